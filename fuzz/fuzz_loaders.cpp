@@ -1,0 +1,3 @@
+#include "fuzzmain.h"
+
+LXFUZZ_TARGET(lxfuzz::runLoaders)

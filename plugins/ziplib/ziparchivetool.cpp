@@ -1,0 +1,118 @@
+#include "ziparchivetool.h"
+
+#include "atomicfile.h"
+#include "fsutil.h"
+#include "stagingfolder.h"
+#include "zipextractor.h"
+#include "zipwriter.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <exception>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace {
+
+UniqueFd openFolder(const QString &folder)
+{
+    return UniqueFd(::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+} // namespace
+
+int ZipArchiveTool::toolVersion() const
+{
+    return 1;
+}
+
+QString ZipArchiveTool::lastError() const
+{
+    return m_lastError;
+}
+
+// Packing writes the whole archive in packFolder(); there is nothing to
+// prepare or to finish, and neither may fail the packing.
+bool ZipArchiveTool::finishArchive()
+{
+    return true;
+}
+
+bool ZipArchiveTool::beginArchive(QString, bool)
+{
+    return true;
+}
+
+bool ZipArchiveTool::packFolder(QString folder, QString archive)
+{
+    return guarded(QStringLiteral("packing failed: "), [&] { return pack(folder, archive); });
+}
+
+bool ZipArchiveTool::unpackArchive(QString archive, QString folder)
+{
+    return guarded(QStringLiteral("unpacking failed: "), [&] { return unpack(archive, folder); });
+}
+
+void ZipArchiveTool::releaseTool()
+{
+    delete this;
+}
+
+template<typename Step>
+bool ZipArchiveTool::guarded(const QString &context, Step step)
+{
+    // No exception may cross the plug-in's C boundary into the host.
+    m_lastError.clear();
+    bool ok = false;
+    try {
+        ok = step();
+    } catch (const std::exception &error) {
+        ok = fail(QString::fromLocal8Bit(error.what()));
+    } catch (...) {
+        ok = fail(QStringLiteral("unexpected internal error"));
+    }
+    if (!ok)
+        m_lastError.prepend(context);
+    return ok;
+}
+
+bool ZipArchiveTool::pack(const QString &folder, const QString &archive)
+{
+    const UniqueFd source = openFolder(folder);
+    if (!source.isValid())
+        return fail(FsUtil::errnoText(QStringLiteral("cannot open the folder to pack"), errno));
+    AtomicFile file(archive);
+    if (!file.open())
+        return fail(file.errorString());
+    ZipWriter writer;
+    const auto ownFile = [&file](const struct stat &info) { return file.isOwnFile(info.st_dev, info.st_ino); };
+    if (!writer.open(file.fd()) || !writer.addTree(source.get(), ownFile) || !writer.close())
+        return fail(writer.errorString());
+    return file.commit() || fail(file.errorString());
+}
+
+bool ZipArchiveTool::unpack(const QString &archive, const QString &folder)
+{
+    ZipExtractor extractor(archive);
+    if (!extractor.scan())
+        return fail(extractor.errorString());
+    const UniqueFd target = openFolder(folder);
+    if (!target.isValid())
+        return fail(FsUtil::errnoText(QStringLiteral("cannot open the target folder"), errno));
+    StagingFolder staging(target.get());
+    if (!staging.create())
+        return fail(staging.errorString());
+    if (!extractor.extractInto(staging.fd()))
+        return fail(extractor.errorString());
+    if (!staging.moveIntoTarget())
+        return fail(staging.errorString());
+    extractor.restoreFolderTimes(target.get());
+    return true;
+}
+
+bool ZipArchiveTool::fail(const QString &what)
+{
+    m_lastError = what;
+    return false;
+}

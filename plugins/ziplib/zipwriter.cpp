@@ -1,0 +1,172 @@
+#include "zipwriter.h"
+
+#include "fsutil.h"
+
+#include <QSet>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+const size_t CopyBufferSize = size_t(1) << 20;
+const int ArchiveBlockSize = 1 << 20;
+
+QByteArray suffixOf(const QByteArray &name)
+{
+    const int dot = name.lastIndexOf('.');
+    return dot < 0 ? QByteArray() : name.mid(dot + 1).toLower();
+}
+
+} // namespace
+
+ZipWriter::ZipWriter()
+    : m_buffer(CopyBufferSize)
+{
+}
+
+bool ZipWriter::isCompressedMedia(const QByteArray &name)
+{
+    // Deflating these costs time and gains nothing: their own formats are
+    // compressed already (lessons are mostly such media).
+    static const QSet<QByteArray> suffixes = {
+        "png", "jpg", "jpeg", "gif", "webp", "heic", "avif", "jp2",
+        "mp3", "m4a", "aac", "ogg", "oga", "opus", "wma", "flac",
+        "mp4", "m4v", "webm", "avi", "mov", "wmv", "flv", "f4v", "mkv", "mpg", "mpeg", "3gp", "ogv", "swf",
+        "zip", "lzn", "resitem", "7z", "rar", "gz", "tgz", "bz2", "xz", "zst",
+        "pdf", "docx", "xlsx", "pptx", "odt", "ods", "odp", "epub"};
+    return suffixes.contains(suffixOf(name));
+}
+
+bool ZipWriter::open(int fd)
+{
+    m_archive.reset(archive_write_new());
+    if (!m_archive)
+        return fail(QStringLiteral("out of memory"));
+    archive *const a = m_archive.get();
+    if (archive_write_set_format_zip(a) != ARCHIVE_OK
+        || archive_write_set_options(a, "zip:hdrcharset=UTF-8") != ARCHIVE_OK
+        || archive_write_set_bytes_per_block(a, ArchiveBlockSize) != ARCHIVE_OK
+        // A ZIP ends with its directory; padding after it would be junk to readers.
+        || archive_write_set_bytes_in_last_block(a, 1) != ARCHIVE_OK
+        || archive_write_open_fd(a, fd) != ARCHIVE_OK)
+        return failArchive(QStringLiteral("cannot start the archive"));
+    return true;
+}
+
+bool ZipWriter::addTree(int rootFd, const SkipTest &skip)
+{
+    m_skip = skip;
+    return addFolder(rootFd, QByteArray());
+}
+
+bool ZipWriter::addFolder(int dirFd, const QByteArray &prefix)
+{
+    QList<QByteArray> names;
+    if (!FsUtil::listDir(dirFd, &names))
+        return fail(FsUtil::errnoText(QStringLiteral("cannot list folder ") + FsUtil::nameText(prefix), errno));
+    for (const QByteArray &name : std::as_const(names)) {
+        if (!addChild(dirFd, name, prefix))
+            return false;
+    }
+    return true;
+}
+
+bool ZipWriter::addChild(int dirFd, const QByteArray &name, const QByteArray &prefix)
+{
+    const QByteArray path = prefix + name;
+    struct stat info;
+    if (::fstatat(dirFd, name.constData(), &info, AT_SYMLINK_NOFOLLOW) != 0)
+        return fail(FsUtil::errnoText(QStringLiteral("cannot examine ") + FsUtil::nameText(path), errno));
+    // Links may point anywhere, sockets and pipes hold no document data.
+    if (!(S_ISDIR(info.st_mode) || S_ISREG(info.st_mode)) || (m_skip && m_skip(info)))
+        return true;
+    // Leaving a file out would lose it silently; refusing keeps the old archive.
+    if (!FsUtil::isValidUtf8(path))
+        return fail(QStringLiteral("file name is not valid UTF-8: ") + FsUtil::nameText(path));
+    if (S_ISREG(info.st_mode))
+        return addFile(dirFd, name, path);
+    const UniqueFd sub = FsUtil::openDir(dirFd, name);
+    if (!sub.isValid())
+        return fail(FsUtil::errnoText(QStringLiteral("cannot open folder ") + FsUtil::nameText(path), errno));
+    return writeHeader(path + '/', info) && addFolder(sub.get(), path + '/');
+}
+
+bool ZipWriter::addFile(int dirFd, const QByteArray &name, const QByteArray &path)
+{
+    const UniqueFd file(::openat(dirFd, name.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat info;
+    if (!file.isValid() || ::fstat(file.get(), &info) != 0)
+        return fail(FsUtil::errnoText(QStringLiteral("cannot read ") + FsUtil::nameText(path), errno));
+    if (!S_ISREG(info.st_mode))
+        return fail(QStringLiteral("file changed while packing: ") + FsUtil::nameText(path));
+    ::posix_fadvise(file.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+    return writeHeader(path, info) && copyData(file.get(), path, info.st_size);
+}
+
+bool ZipWriter::writeHeader(const QByteArray &path, const struct stat &info)
+{
+    const ArchiveEntry entry(archive_entry_new());
+    if (!entry)
+        return fail(QStringLiteral("out of memory"));
+    archive_entry_set_pathname_utf8(entry.get(), path.constData());
+    archive_entry_set_filetype(entry.get(), S_ISDIR(info.st_mode) ? AE_IFDIR : AE_IFREG);
+    archive_entry_set_perm(entry.get(), info.st_mode & 0777);
+    archive_entry_set_size(entry.get(), S_ISDIR(info.st_mode) ? 0 : info.st_size);
+    archive_entry_set_mtime(entry.get(), info.st_mtim.tv_sec, info.st_mtim.tv_nsec);
+    archive *const a = m_archive.get();
+    const int chosen = isCompressedMedia(path) ? archive_write_zip_set_compression_store(a)
+                                               : archive_write_zip_set_compression_deflate(a);
+    if (chosen != ARCHIVE_OK || archive_write_header(a, entry.get()) != ARCHIVE_OK)
+        return failArchive(QStringLiteral("cannot add ") + FsUtil::nameText(path));
+    return true;
+}
+
+bool ZipWriter::copyData(int fd, const QByteArray &path, off_t size)
+{
+    while (size > 0) {
+        const size_t wanted = size_t(qMin<off_t>(size, off_t(m_buffer.size())));
+        const ssize_t got = ::read(fd, m_buffer.data(), wanted);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return fail(FsUtil::errnoText(QStringLiteral("cannot read ") + FsUtil::nameText(path), errno));
+        if (got == 0)
+            return fail(QStringLiteral("file shrank while packing: ") + FsUtil::nameText(path));
+        if (archive_write_data(m_archive.get(), m_buffer.data(), size_t(got)) != got)
+            return failArchive(QStringLiteral("cannot write ") + FsUtil::nameText(path));
+        size -= got;
+    }
+    if (archive_write_finish_entry(m_archive.get()) != ARCHIVE_OK)
+        return failArchive(QStringLiteral("cannot write ") + FsUtil::nameText(path));
+    return true;
+}
+
+bool ZipWriter::close()
+{
+    if (!m_archive)
+        return fail(QStringLiteral("the archive was not opened"));
+    if (archive_write_close(m_archive.get()) != ARCHIVE_OK)
+        return failArchive(QStringLiteral("cannot finish the archive"));
+    m_archive.reset();
+    return true;
+}
+
+QString ZipWriter::errorString() const
+{
+    return m_error;
+}
+
+bool ZipWriter::fail(const QString &what)
+{
+    m_error = what;
+    return false;
+}
+
+bool ZipWriter::failArchive(const QString &what)
+{
+    const char *detail = m_archive ? archive_error_string(m_archive.get()) : nullptr;
+    return fail(detail ? what + QLatin1String(": ") + QString::fromLocal8Bit(detail) : what);
+}

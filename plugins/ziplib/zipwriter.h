@@ -1,0 +1,45 @@
+#ifndef ZIPLIB_ZIPWRITER_H
+#define ZIPLIB_ZIPWRITER_H
+
+#include "archivehandle.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <functional>
+#include <sys/stat.h>
+#include <vector>
+
+// Writes the whole tree below a folder as an ordinary ZIP archive into an
+// open file: folders as their own entries (an empty resource folder must come
+// back), names relative to the folder in UTF-8, modification times kept.
+// Media that is compressed already is stored, everything else deflated.
+class ZipWriter {
+public:
+    // Files the writer must leave out (its own output lying in the folder).
+    using SkipTest = std::function<bool(const struct stat &)>;
+
+    ZipWriter();
+    bool open(int fd);
+    bool addTree(int rootFd, const SkipTest &skip);
+    bool close();
+    QString errorString() const;
+
+    static bool isCompressedMedia(const QByteArray &name);
+
+private:
+    bool addFolder(int dirFd, const QByteArray &prefix);
+    bool addChild(int dirFd, const QByteArray &name, const QByteArray &prefix);
+    bool addFile(int dirFd, const QByteArray &name, const QByteArray &path);
+    bool writeHeader(const QByteArray &path, const struct stat &info);
+    bool copyData(int fd, const QByteArray &path, off_t size);
+    bool fail(const QString &what);
+    bool failArchive(const QString &what);
+
+    ArchiveWriter m_archive;
+    SkipTest m_skip;
+    std::vector<char> m_buffer;
+    QString m_error;
+};
+
+#endif

@@ -1,0 +1,42 @@
+#include "document/archiveplugin.h"
+
+#include <QCoreApplication>
+#include <QtGlobal>
+
+#include <dlfcn.h>
+
+ArchivePlugin::ArchivePlugin()
+{
+    const QByteArray path = (QCoreApplication::applicationDirPath() + QLatin1String("/ziplib.so")).toUtf8();
+    m_handle = dlopen(path.constData(), RTLD_LAZY);
+    if (!m_handle) {
+        qWarning("create ziplib: dlopen(): %s\n", dlerror());
+        return;
+    }
+    // A library without the entry point is no archive plug-in: unusable,
+    // like one whose entry point gives no tool.
+    const auto factory = reinterpret_cast<ArchiveToolFactory>(dlsym(m_handle, "get_interface"));
+    m_tool = factory ? factory() : nullptr;
+    if (!m_tool)
+        unload();
+}
+
+ArchivePlugin::~ArchivePlugin()
+{
+    if (m_tool)
+        m_tool->releaseTool();
+    m_tool = nullptr;
+    unload();
+}
+
+ArchiveTool *ArchivePlugin::tool() const
+{
+    return m_tool;
+}
+
+void ArchivePlugin::unload()
+{
+    if (m_handle)
+        dlclose(m_handle);
+    m_handle = nullptr;
+}

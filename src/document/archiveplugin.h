@@ -1,0 +1,26 @@
+#ifndef LXDOC_ARCHIVEPLUGIN_H
+#define LXDOC_ARCHIVEPLUGIN_H
+
+#include "document/archivetool.h"
+
+// One use of the "ziplib.so" plug-in beside the executable: loaded on
+// construction, its tool released and the library unloaded on destruction.
+// Nothing is kept between uses, so every pack or unpack loads it afresh.
+class ArchivePlugin {
+public:
+    ArchivePlugin();
+    ~ArchivePlugin();
+    ArchivePlugin(const ArchivePlugin &) = delete;
+    ArchivePlugin &operator=(const ArchivePlugin &) = delete;
+
+    // Null when the plug-in could not be loaded or gave no tool.
+    ArchiveTool *tool() const;
+
+private:
+    void unload();
+
+    void *m_handle = nullptr;
+    ArchiveTool *m_tool = nullptr;
+};
+
+#endif

@@ -1,0 +1,385 @@
+#include "document/qlxdocument.h"
+
+#include "document/archiveplugin.h"
+#include "idrawpage.h"
+#include "manifest/qlxresmgr.h"
+#include "page/qlxfrontpage.h"
+#include "record/qlxrecordpage.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QPixmap>
+
+namespace {
+
+const char *const kManifestName = "manifest.xml";
+
+QString frontPageName(int id)
+{
+    return QStringLiteral("page%1.svg").arg(id);
+}
+
+QString recordPageName(int id)
+{
+    return QStringLiteral("page%1.mtrec").arg(id);
+}
+
+// The id lives only in the file name; a name that does not read back gives 0.
+int pageIdFromName(QString name)
+{
+    return name.remove(QStringLiteral("page")).remove(QStringLiteral(".svg")).toInt();
+}
+
+} // namespace
+
+QLXDocument::QLXDocument() = default;
+
+// The flag is not used. Only an empty path ensures the temp root; a given
+// path is neither stored nor made, as hosts have always relied on.
+bool QLXDocument::init(const QString &path, bool flag)
+{
+    Q_UNUSED(flag);
+    if (path.isEmpty()) {
+        const QString root = getTempPath();
+        QDir dir(root);
+        if (!dir.exists())
+            dir.mkdir(root);
+    }
+    return true;
+}
+
+// Deleting the working folder is part of closing: a host packs before it
+// releases, or the folder's content is gone.
+void QLXDocument::release(bool flag)
+{
+    Q_UNUSED(flag);
+    releaseResMgr();
+    m_manifest.closeFile(false);
+    removeFolder(m_path, true);
+    delete this;
+}
+
+bool QLXDocument::newFile(const QString &folder, bool makeSubfolders)
+{
+    m_manifest.closeFile(false);
+    if (!m_path.isEmpty())
+        removeFolder(m_path, true);
+    // Cleared at once so a failed create leaves no dangling manager behind.
+    releaseResMgr();
+    m_path = folder.isEmpty() ? getTempPath() + QLatin1String("newDocument") : folder;
+    if (QFileInfo::exists(m_path))
+        removeFolder(m_path, false);
+    createFolder(m_path, makeSubfolders);
+    if (!m_manifest.createManifestFile(m_path + QLatin1Char('/') + QLatin1String(kManifestName)))
+        return false;
+    m_resMgr = new QLXResMgr(&m_manifest, m_path);
+    return true;
+}
+
+// The previous working folder goes before anything about the new path is
+// known, so a failed open leaves the document without one.
+bool QLXDocument::openFile(const QString &path)
+{
+    m_manifest.closeFile(true);
+    if (!m_path.isEmpty())
+        removeFolder(m_path, true);
+
+    const QFileInfo info(path);
+    if (!info.exists())
+        return false;
+    if (info.isDir())
+        return openDocument(path);
+    const QString suffix = info.suffix().toLower();
+    if (suffix != QLatin1String("lzn") && suffix != QLatin1String("resitem"))
+        return openOtherTypeFile(path);
+
+    const QString folder = unpackFolderFor(info);
+    QDir().mkdir(folder);
+    return unpackArchive(path, folder) && openDocument(folder);
+}
+
+bool QLXDocument::openDocument(const QString &folder)
+{
+    m_path = folder;
+    m_manifest.closeFile(false);
+    createFolder(folder, true);
+    if (!m_manifest.loadManifestFile(QStringLiteral("%1/%2").arg(folder, QLatin1String(kManifestName))))
+        return false;
+    releaseResMgr();
+    m_resMgr = new QLXResMgr(&m_manifest, m_path);
+    return true;
+}
+
+// Pages are opened by the page operations themselves.
+bool QLXDocument::openPage(int id)
+{
+    Q_UNUSED(id);
+    return true;
+}
+
+// A failed packing is reported by its message only and still counts as a
+// save: the manifest has been written and the working folder is intact.
+bool QLXDocument::saveFile(const QString &archive, bool pack)
+{
+    m_manifest.saveFile();
+    if (!pack)
+        return true;
+    const ArchivePlugin plugin;
+    ArchiveTool *const tool = plugin.tool();
+    if (!tool)
+        return false;
+    tool->beginArchive(archive, false);
+    const bool packed = tool->packFolder(m_path, archive);
+    tool->finishArchive();
+    if (!packed)
+        qWarning("zip folder failed");
+    return true;
+}
+
+bool QLXDocument::startSaveFile(const QString &archive)
+{
+    Q_UNUSED(archive);
+    return true;
+}
+
+// The preview is the document's single thumbnail: every page saved with the
+// preview requested overwrites it.
+bool QLXDocument::savePage(IDrawPage *page, int index, unsigned int flags, bool preview)
+{
+    if (!page)
+        return false;
+    if (preview) {
+        const QSize size(100, 75);
+        QPixmap pixmap(size);
+        page->renderPreview(&pixmap, size, 0);
+        const QString separator = m_path.endsWith(QLatin1Char('/')) ? QString() : QStringLiteral("/");
+        pixmap.save(m_path + separator + QLatin1String("preview.png"), "PNG", -1);
+    }
+    return page->savePageTo(this, index, flags);
+}
+
+void QLXDocument::finishSaveFile()
+{
+}
+
+ILXFrontPage *QLXDocument::insertFrontPage(int index, int id)
+{
+    const QString name = frontPageName(id);
+    ILXFrontPage *const page = new QLXFrontPage(pagePath(name));
+    m_manifest.insertFrontPage(index, name);
+    m_manifest.saveFile();
+    return page;
+}
+
+ILXRecordPage *QLXDocument::insertRecPage(int index, int id)
+{
+    const QString name = recordPageName(id);
+    ILXRecordPage *const page = new QLXRecordPage(pagePath(name));
+    m_manifest.insertRecPage(index, name);
+    m_manifest.saveFile();
+    return page;
+}
+
+int QLXDocument::getPagesCount()
+{
+    return m_manifest.getPagesList().size();
+}
+
+// Only the lists change; the page files stay until the folder goes, and
+// packing takes them along.
+bool QLXDocument::deletePage(int id, bool flag)
+{
+    Q_UNUSED(flag);
+    m_manifest.deleteFrontPage(frontPageName(id));
+    m_manifest.deleteRecPage(recordPageName(id));
+    m_manifest.saveFile();
+    return true;
+}
+
+// The records list follows the pages list by index, so the record entry is
+// inserted even for a page that had none.
+bool QLXDocument::adjustPageIndex(int id, int oldIndex, int newIndex)
+{
+    Q_UNUSED(oldIndex);
+    const QString front = frontPageName(id);
+    const QString record = recordPageName(id);
+    m_manifest.deleteFrontPage(front);
+    m_manifest.deleteRecPage(record);
+    m_manifest.insertFrontPage(newIndex, front);
+    m_manifest.insertRecPage(newIndex, record);
+    m_manifest.saveFile();
+    return true;
+}
+
+ILXFrontPage *QLXDocument::getPageByIndex(int index, int &id)
+{
+    const QStringList pages = m_manifest.getPagesList();
+    // An index equal to the size passes on purpose: it names the working
+    // folder itself, which does not load, so the result is still null.
+    if (index < 0 || index > pages.size())
+        return nullptr;
+    const QString name = index < pages.size() ? pages.at(index) : QString();
+    QLXFrontPage *const page = new QLXFrontPage;
+    if (!page->loadPageFile(m_path + QLatin1Char('/') + name)) {
+        delete page;
+        return nullptr;
+    }
+    id = pageIdFromName(name);
+    return page;
+}
+
+ILXFrontPage *QLXDocument::getPageById(int id)
+{
+    return new QLXFrontPage(pagePath(frontPageName(id)));
+}
+
+ILXRecordPage *QLXDocument::getRecPageById(int id)
+{
+    return new QLXRecordPage(pagePath(recordPageName(id)));
+}
+
+ILXResMgr *QLXDocument::getLXResMgr()
+{
+    return m_resMgr;
+}
+
+// Document attributes are not stored in this version; the operations keep
+// the interface complete.
+bool QLXDocument::getLXDocAttribute(const QString &name, int &value)
+{
+    Q_UNUSED(name);
+    Q_UNUSED(value);
+    return true;
+}
+
+bool QLXDocument::getLXDocAttribute(const QString &name, float &value)
+{
+    Q_UNUSED(name);
+    Q_UNUSED(value);
+    return true;
+}
+
+bool QLXDocument::getLXDocAttribute(const QString &name, const QString &value)
+{
+    Q_UNUSED(name);
+    Q_UNUSED(value);
+    return true;
+}
+
+bool QLXDocument::setLXDocAttribute(const QString &name, int value)
+{
+    Q_UNUSED(name);
+    Q_UNUSED(value);
+    return true;
+}
+
+bool QLXDocument::setLXDocAttribute(const QString &name, float value)
+{
+    Q_UNUSED(name);
+    Q_UNUSED(value);
+    return true;
+}
+
+bool QLXDocument::setLXDocAttribute(const QString &name, const QString &value)
+{
+    Q_UNUSED(name);
+    Q_UNUSED(value);
+    return true;
+}
+
+QString QLXDocument::getDocPath()
+{
+    return m_path;
+}
+
+QString QLXDocument::getTempPath()
+{
+    return QCoreApplication::applicationDirPath() + QLatin1String("/Temp/");
+}
+
+// Only release() cleans up; destroying the object leaves the disk alone.
+QLXDocument::~QLXDocument() = default;
+
+// A single level is made, never missing parents. Without subfolders the
+// result is false even though the folder was made; callers ignore it.
+bool QLXDocument::createFolder(const QString &path, bool makeSubfolders)
+{
+    QDir dir;
+    dir.mkdir(path);
+    if (!makeSubfolders)
+        return false;
+    const char *const subfolders[] = {"attachments", "flash", "images", "fillblocks",
+                                      "sounds",      "avmedia", "temp", "previews"};
+    for (const char *subfolder : subfolders)
+        dir.mkdir(QStringLiteral("%1/%2").arg(path, QLatin1String(subfolder)));
+    return true;
+}
+
+// Failures on the way are ignored. Hidden files and links to files are not
+// listed and stay (so their folder stays too); links to folders are followed.
+bool QLXDocument::removeFolder(const QString &path, bool removeSelf)
+{
+    if (path.isEmpty())
+        return false;
+    QDir dir(path);
+    const QStringList subfolders = dir.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);
+    for (const QString &name : subfolders)
+        removeFolder(QStringLiteral("%1/%2").arg(dir.absolutePath(), name), true);
+    const QFileInfoList files = dir.entryInfoList(QStringList(QStringLiteral("*")), QDir::Files | QDir::NoSymLinks);
+    for (const QFileInfo &file : files)
+        QFile::remove(file.absoluteFilePath());
+    if (removeSelf)
+        dir.rmdir(path);
+    return true;
+}
+
+// Other kinds of file are not converted: opening one starts a new, empty
+// document under the temp root.
+bool QLXDocument::openOtherTypeFile(const QString &path)
+{
+    Q_UNUSED(path);
+    return newFile(QString(), true);
+}
+
+QString QLXDocument::pagePath(const QString &name) const
+{
+    return QStringLiteral("%1/%2").arg(m_path, name);
+}
+
+void QLXDocument::releaseResMgr()
+{
+    if (m_resMgr)
+        m_resMgr->release();
+    m_resMgr = nullptr;
+}
+
+// Base name up to the first dot; while that name is taken, the counter is
+// appended to the first candidate's Latin-1 form, as earlier versions named
+// their unpack folders.
+QString QLXDocument::unpackFolderFor(const QFileInfo &archive)
+{
+    const QString first = getTempPath() + archive.baseName();
+    const QByteArray firstLatin1 = first.toLatin1();
+    QString candidate = first;
+    for (int counter = 0; QFileInfo::exists(candidate); ++counter)
+        candidate = QString::asprintf("%s%d", firstLatin1.constData(), counter);
+    return candidate;
+}
+
+// The folder stays on disk whatever happens here.
+bool QLXDocument::unpackArchive(const QString &archive, const QString &folder)
+{
+    bool unpacked = false;
+    {
+        const ArchivePlugin plugin;
+        ArchiveTool *const tool = plugin.tool();
+        if (!tool)
+            return false;
+        unpacked = tool->unpackArchive(archive, folder);
+    }
+    if (!unpacked)
+        qWarning("unzip folder failed");
+    return unpacked;
+}

@@ -1,0 +1,229 @@
+#include "manifest/qmanifest.h"
+
+#include "xml/xmlstream.h"
+
+#include <utility>
+
+namespace {
+
+const char *const kRootName = "manifest";
+const char *const kResource = "resource";
+const char *const kIdentifier = "identifier";
+const char *const kFile = "file";
+const char *const kHref = "href";
+
+// A new manifest lists its resources in this order; readers look them up by
+// identifier, so the order only matters for files this class writes.
+const char *const kNewResourceOrder[] = {"pages",  "records",  "images",     "sounds",
+                                         "flashes", "avmedia", "fillblocks", "attachments"};
+
+} // namespace
+
+QManifest::QManifest() = default;
+
+// The owner closes first: destroying a manifest never writes or frees the stream.
+QManifest::~QManifest() = default;
+
+bool QManifest::createManifestFile(const QString &path)
+{
+    closeStream(true);
+    m_stream = new QXmlStream;
+    if (!m_stream->createXmlFile(path, QString::fromLatin1(kRootName))) {
+        closeStream(false);
+        return false;
+    }
+    m_root = m_stream->getRootNode();
+    if (m_root.isNull()) {
+        closeStream(false);
+        return false;
+    }
+    m_stream->setNodeAttribute(m_root, QString::fromLatin1(kIdentifier), QStringLiteral("lzn"), true);
+    m_stream->setNodeAttribute(m_root, QStringLiteral("version"), QStringLiteral("6.0.0"), true);
+    for (const char *identifier : kNewResourceOrder) {
+        // A child that cannot be made is left out; the others are still made.
+        const QDomNode child = m_stream->newChildNode(m_root, QString::fromLatin1(kResource), QString());
+        if (!child.isNull())
+            m_stream->setNodeAttribute(child, QString::fromLatin1(kIdentifier),
+                                       QString::fromLatin1(identifier), true);
+    }
+    m_stream->saveFile();
+    return true;
+}
+
+bool QManifest::loadManifestFile(const QString &path)
+{
+    closeStream(true);
+    m_stream = new QXmlStream;
+    if (!m_stream->loadFromXmlFile(path)) {
+        closeStream(true);
+        return false;
+    }
+    m_root = m_stream->getRootNode();
+
+    // A missing list is reported but does not fail the load. The "fillblocks"
+    // element is never read: that member is only appended to.
+    const struct {
+        QStringList *list;
+        const char *identifier;
+        const char *message;
+    } lists[] = {
+        {&m_pages, "pages", "Get pages list failed!\n"},
+        {&m_records, "records", "Get records list failed!\n"},
+        {&m_images, "images", "Get image list failed!\n"},
+        {&m_sounds, "sounds", "Get sounds list failed!\n"},
+        {&m_flashes, "flashes", "Get flashes list failed!\n"},
+        {&m_avmedia, "avmedia", "Get avmedia list failed!\n"},
+        {&m_attachments, "attachments", "Get attachment list failed!\n"},
+    };
+    for (const auto &entry : lists) {
+        if (!getResourceList(*entry.list, QString::fromLatin1(entry.identifier)))
+            qWarning("%s", entry.message);
+    }
+    return true;
+}
+
+void QManifest::saveFile()
+{
+    if (m_stream)
+        m_stream->saveFile();
+}
+
+void QManifest::closeFile(bool save)
+{
+    closeStream(save);
+    for (QStringList *list : {&m_pages, &m_records, &m_images, &m_sounds, &m_avmedia, &m_flashes,
+                              &m_fillblocks, &m_attachments})
+        list->clear();
+}
+
+QStringList &QManifest::getPagesList()
+{
+    return m_pages;
+}
+
+bool QManifest::getResourceList(QStringList &list, const QString &identifier)
+{
+    const QDomNode resource = findResource(identifier);
+    if (resource.isNull())
+        return false;
+    for (QDomNode child = m_stream->getFirstChildNode(resource); !child.isNull();
+         child = m_stream->getNextNode(child)) {
+        QString href;
+        m_stream->getNodeAttribute(child, QString::fromLatin1(kHref), href, QString());
+        if (!href.isEmpty())
+            list.append(href);
+    }
+    return true;
+}
+
+bool QManifest::setResourceList(QStringList &list, const QString &identifier)
+{
+    const QDomNode resource = findResource(identifier);
+    if (resource.isNull())
+        return false;
+    m_stream->removeAllChildNotes(resource);
+    for (const QString &entry : std::as_const(list)) {
+        const QDomNode file = m_stream->newChildNode(resource, QString::fromLatin1(kFile), QString());
+        if (!file.isNull())
+            m_stream->setNodeAttribute(file, QString::fromLatin1(kHref), entry, true);
+    }
+    return true;
+}
+
+bool QManifest::insertFrontPage(int index, const QString &fileName)
+{
+    return insertPage(m_pages, QStringLiteral("pages"), index, fileName);
+}
+
+bool QManifest::insertRecPage(int index, const QString &fileName)
+{
+    return insertPage(m_records, QStringLiteral("records"), index, fileName);
+}
+
+bool QManifest::deleteFrontPage(const QString &fileName)
+{
+    return deletePage(m_pages, QStringLiteral("pages"), fileName);
+}
+
+bool QManifest::deleteRecPage(const QString &fileName)
+{
+    return deletePage(m_records, QStringLiteral("records"), fileName);
+}
+
+bool QManifest::addImageFile(const QString &fileName)
+{
+    return appendResource(m_images, QStringLiteral("images"), fileName);
+}
+
+bool QManifest::addSoundFile(const QString &fileName)
+{
+    return appendResource(m_sounds, QStringLiteral("sounds"), fileName);
+}
+
+bool QManifest::addAvMediaFile(const QString &fileName)
+{
+    return appendResource(m_avmedia, QStringLiteral("avmedia"), fileName);
+}
+
+bool QManifest::addFlashFile(const QString &fileName)
+{
+    return appendResource(m_flashes, QStringLiteral("flashes"), fileName);
+}
+
+// Fill blocks and attachments share the fillblocks member on purpose: each
+// writes that whole member under its own identifier, and the attachments
+// member is only ever read.
+bool QManifest::addFillblockFile(const QString &fileName)
+{
+    return appendResource(m_fillblocks, QStringLiteral("fillblocks"), fileName);
+}
+
+bool QManifest::addAttachment(const QString &fileName)
+{
+    return appendResource(m_fillblocks, QStringLiteral("attachments"), fileName);
+}
+
+void QManifest::closeStream(bool save)
+{
+    if (!m_stream)
+        return;
+    m_stream->closeFile(save);
+    delete m_stream;
+    m_stream = nullptr;
+}
+
+QDomNode QManifest::findResource(const QString &identifier)
+{
+    if (m_root.isNull() || !m_stream)
+        return QDomNode();
+    return m_stream->getChildNodeByAttribute(m_root, QString::fromLatin1(kIdentifier), identifier);
+}
+
+bool QManifest::insertPage(QStringList &list, const QString &identifier, int index,
+                           const QString &fileName)
+{
+    if (!m_stream)
+        return false;
+    if (list.isEmpty() || index == -1)
+        list.prepend(fileName);
+    else if (index >= list.size())
+        list.append(fileName);
+    else if (index >= 0)
+        list.insert(index, fileName);
+    // An index below -1 matches no position and inserts nothing; kept as it is.
+    return setResourceList(list, identifier);
+}
+
+bool QManifest::deletePage(QStringList &list, const QString &identifier, const QString &fileName)
+{
+    if (!m_stream)
+        return false;
+    list.removeOne(fileName);
+    return setResourceList(list, identifier);
+}
+
+bool QManifest::appendResource(QStringList &list, const QString &identifier, const QString &fileName)
+{
+    list.append(fileName);
+    return setResourceList(list, identifier);
+}

@@ -1,0 +1,442 @@
+#include "domwriter.h"
+
+#include <QDomDocument>
+#include <QDomDocumentType>
+#include <QDomElement>
+#include <QDomNamedNodeMap>
+#include <QStringList>
+#include <QVector>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+bool isHighSurrogate(char16_t c)
+{
+    return c >= 0xD800 && c < 0xDC00;
+}
+
+bool isLowSurrogate(char16_t c)
+{
+    return c >= 0xDC00 && c < 0xE000;
+}
+
+// Characters that may stand as they are: XML 1.0 chars except the few that
+// need a closer look (controls, surrogates, the two non-characters, and the
+// markup characters).
+bool isPlain(char16_t c)
+{
+    return c >= 0x20 && c < 0xD800 && c != u'<' && c != u'&' && c != u'"' && c != u'>';
+}
+
+// Attributes of an element sorted by name. QDom offers no other way through
+// an attribute map than by index; elements carry few attributes.
+void sortAttributes(const QDomNamedNodeMap &map, QVector<QDomAttr> &attributes)
+{
+    attributes.clear();
+    const int count = int(map.count());
+    for (int i = 0; i < count; ++i)
+        attributes.append(map.item(i).toAttr());
+    std::sort(attributes.begin(), attributes.end(),
+              [](const QDomAttr &a, const QDomAttr &b) { return a.name() < b.name(); });
+}
+
+// Entities and notations of a doctype in name order, so their order is stable too.
+QVector<QDomNode> sortedNodes(const QDomNamedNodeMap &map)
+{
+    QVector<QDomNode> nodes;
+    const int count = int(map.count());
+    nodes.reserve(count);
+    for (int i = 0; i < count; ++i)
+        nodes.append(map.item(i));
+    std::sort(nodes.begin(), nodes.end(),
+              [](const QDomNode &a, const QDomNode &b) { return a.nodeName() < b.nodeName(); });
+    return nodes;
+}
+
+bool isTextLike(const QDomNode &node)
+{
+    return !node.isNull() && node.isText();
+}
+
+} // namespace
+
+DomWriter::DomWriter(int indent)
+    : m_indent(indent)
+{
+}
+
+QString DomWriter::toString(const QDomNode &node, int indent)
+{
+    DomWriter writer(indent);
+    if (node.isDocument())
+        writer.writeDocument(node);
+    else
+        writer.writeNode(node, 1); // QDomNode::save starts a lone node one level deep
+    return writer.m_out;
+}
+
+QByteArray DomWriter::toUtf8(const QDomNode &node, int indent)
+{
+    return toString(node, indent).toUtf8();
+}
+
+void DomWriter::writeDocument(const QDomNode &document)
+{
+    const QDomDocumentType type = document.toDocument().doctype();
+    bool typeWritten = false;
+    for (QDomNode n = document.firstChild(); !n.isNull(); n = n.nextSibling()) {
+        const bool declaration = n.isProcessingInstruction() && n.nodeName() == QLatin1String("xml");
+        // The doctype follows the XML declaration, or leads when there is none.
+        if (!typeWritten && !declaration) {
+            writeDocumentType(type);
+            typeWritten = true;
+        }
+        if (declaration)
+            writeDeclaration(n.nodeValue());
+        else
+            writeNode(n, 0);
+    }
+}
+
+void DomWriter::writeNode(const QDomNode &node, int depth)
+{
+    switch (node.nodeType()) {
+    case QDomNode::ElementNode:
+        writeElement(node.toElement(), depth);
+        break;
+    case QDomNode::TextNode:
+        writeEscaped(node.nodeValue(), !node.parentNode().isElement(), false);
+        break;
+    case QDomNode::CDATASectionNode:
+        m_out += QLatin1String("<![CDATA[");
+        writeRaw(node.nodeValue());
+        m_out += QLatin1String("]]>");
+        break;
+    case QDomNode::CommentNode: {
+        const QString value = node.nodeValue();
+        if (!isTextLike(node.previousSibling()))
+            writeIndent(depth);
+        m_out += QLatin1String("<!--");
+        writeRaw(value);
+        // Keeps a comment ending in '-' from closing as "--->".
+        if (value.endsWith(u'-'))
+            m_out += u' ';
+        m_out += QLatin1String("-->");
+        if (!isTextLike(node.nextSibling()))
+            m_out += u'\n';
+        break;
+    }
+    case QDomNode::ProcessingInstructionNode:
+        m_out += QLatin1String("<?");
+        writeRaw(node.nodeName());
+        m_out += u' ';
+        writeRaw(node.nodeValue());
+        m_out += QLatin1String("?>\n");
+        break;
+    case QDomNode::EntityReferenceNode:
+        m_out += u'&';
+        writeRaw(node.nodeName());
+        m_out += u';';
+        break;
+    case QDomNode::AttributeNode:
+        writeRaw(node.nodeName());
+        m_out += QLatin1String("=\"");
+        writeEscaped(node.nodeValue(), true, true);
+        m_out += u'"';
+        break;
+    case QDomNode::DocumentNode:
+        writeDocument(node);
+        break;
+    case QDomNode::DocumentTypeNode:
+        writeDocumentType(node.toDocumentType());
+        break;
+    default:
+        writeChildren(node, depth);
+        break;
+    }
+}
+
+void DomWriter::writeChildren(const QDomNode &node, int depth)
+{
+    for (QDomNode n = node.firstChild(); !n.isNull(); n = n.nextSibling())
+        writeNode(n, depth);
+}
+
+void DomWriter::writeElement(const QDomElement &element, int depth)
+{
+    // No whitespace is written next to a text node: it would change the text.
+    if (!isTextLike(element.previousSibling()))
+        writeIndent(depth);
+
+    QString name = element.tagName();
+    const QString namespaceUri = element.namespaceURI();
+    m_out += u'<';
+    if (!namespaceUri.isNull() && !element.prefix().isEmpty())
+        name = element.prefix() + u':' + element.localName();
+    writeRaw(name);
+    if (!namespaceUri.isNull()) {
+        m_out += element.prefix().isEmpty() ? QLatin1String(" xmlns") : QLatin1String(" xmlns:");
+        writeRaw(element.prefix());
+        m_out += QLatin1String("=\"");
+        writeEscaped(namespaceUri, true, false);
+        m_out += u'"';
+    }
+
+    const QDomNamedNodeMap map = element.attributes();
+    if (map.count() > 0) {
+        QStringList declaredPrefixes;
+        // The buffer is reused: attributes are written before any child.
+        sortAttributes(map, m_attributes);
+        for (const QDomAttr &attribute : std::as_const(m_attributes)) {
+            m_out += u' ';
+            const QString attributeUri = attribute.namespaceURI();
+            if (!attributeUri.isNull())
+                writeRaw(attribute.prefix() + u':' + attribute.localName());
+            else
+                writeRaw(attribute.name());
+            m_out += QLatin1String("=\"");
+            writeEscaped(attribute.value(), true, true);
+            m_out += u'"';
+            if (!attributeUri.isNull() && attribute.prefix() != element.prefix()
+                && !declaredPrefixes.contains(attribute.prefix())) {
+                declaredPrefixes.append(attribute.prefix());
+                m_out += QLatin1String(" xmlns:");
+                writeRaw(attribute.prefix());
+                m_out += QLatin1String("=\"");
+                writeEscaped(attributeUri, true, true);
+                m_out += u'"';
+            }
+        }
+    }
+
+    const QDomNode first = element.firstChild();
+    if (first.isNull()) {
+        m_out += QLatin1String("/>");
+    } else {
+        m_out += u'>';
+        if (!first.isText())
+            writeNewline();
+        writeChildren(element, depth + 1);
+        if (!element.lastChild().isText())
+            writeIndent(depth);
+        m_out += QLatin1String("</");
+        writeRaw(name);
+        m_out += u'>';
+    }
+    if (!isTextLike(element.nextSibling()))
+        writeNewline();
+}
+
+void DomWriter::writeDocumentType(const QDomDocumentType &type)
+{
+    if (type.isNull() || type.name().isEmpty())
+        return;
+    m_out += QLatin1String("<!DOCTYPE ");
+    writeRaw(type.name());
+    if (!type.publicId().isNull()) {
+        m_out += QLatin1String(" PUBLIC ");
+        writeQuoted(type.publicId());
+        if (!type.systemId().isNull()) {
+            m_out += u' ';
+            writeQuoted(type.systemId());
+        }
+    } else if (!type.systemId().isNull()) {
+        m_out += QLatin1String(" SYSTEM ");
+        writeQuoted(type.systemId());
+    }
+    const QDomNamedNodeMap entities = type.entities();
+    const QDomNamedNodeMap notations = type.notations();
+    if (entities.count() > 0 || notations.count() > 0) {
+        m_out += QLatin1String(" [\n");
+        for (const QDomNode &node : sortedNodes(notations)) {
+            const QDomNotation notation = node.toNotation();
+            m_out += QLatin1String("<!NOTATION ");
+            writeRaw(notation.nodeName());
+            if (!notation.publicId().isNull()) {
+                m_out += QLatin1String(" PUBLIC ");
+                writeQuoted(notation.publicId());
+                if (!notation.systemId().isNull()) {
+                    m_out += u' ';
+                    writeQuoted(notation.systemId());
+                }
+            } else {
+                m_out += QLatin1String(" SYSTEM ");
+                writeQuoted(notation.systemId());
+            }
+            m_out += QLatin1String(">\n");
+        }
+        for (const QDomNode &node : sortedNodes(entities)) {
+            const QDomEntity entity = node.toEntity();
+            QString name = entity.nodeName();
+            if (name.startsWith(u'%'))
+                name = QLatin1String("% ") + name.mid(1);
+            m_out += QLatin1String("<!ENTITY ");
+            writeRaw(name);
+            m_out += u' ';
+            if (entity.systemId().isNull() && entity.publicId().isNull()) {
+                m_out += u'"';
+                writeEntityValue(entity.nodeValue());
+                m_out += u'"';
+            } else {
+                if (entity.publicId().isNull()) {
+                    m_out += QLatin1String("SYSTEM ");
+                } else {
+                    m_out += QLatin1String("PUBLIC ");
+                    writeQuoted(entity.publicId());
+                    m_out += u' ';
+                }
+                writeQuoted(entity.systemId());
+                if (!entity.notationName().isNull()) {
+                    m_out += QLatin1String(" NDATA ");
+                    writeRaw(entity.notationName());
+                }
+            }
+            m_out += QLatin1String(">\n");
+        }
+        m_out += u']';
+    }
+    m_out += QLatin1String(">\n");
+}
+
+// The file is always written as UTF-8, so a declaration naming another
+// encoding would make the next load misread every non-ASCII character.
+void DomWriter::writeDeclaration(const QString &data)
+{
+    QString text = data;
+    const int key = int(text.indexOf(QLatin1String("encoding")));
+    if (key >= 0) {
+        const int equals = int(text.indexOf(u'=', key));
+        int open = equals;
+        while (open >= 0 && open < text.size() && text[open] != u'"' && text[open] != u'\'')
+            ++open;
+        if (open >= 0 && open < text.size()) {
+            const int close = int(text.indexOf(text[open], open + 1));
+            if (close > open)
+                text.replace(open + 1, close - open - 1, QLatin1String("UTF-8"));
+        }
+    }
+    m_out += QLatin1String("<?xml ");
+    writeRaw(text);
+    m_out += QLatin1String("?>\n");
+}
+
+// QDom's own entity escaping, '%' written as "&#60;" included, so a
+// doctype reads back exactly as QDom would have written it.
+void DomWriter::writeEntityValue(const QString &value)
+{
+    QString text;
+    text.reserve(value.size());
+    for (int i = 0; i < value.size(); ++i) {
+        const QChar c = value[i];
+        if (c == u'%')
+            text += QLatin1String("&#60;");
+        else if (c == u'"')
+            text += QLatin1String("&#34;");
+        else if (c == u'&' && i + 1 < value.size() && value[i + 1] == u'#')
+            text += QLatin1String("&#38;");
+        else
+            text += c;
+    }
+    writeRaw(text);
+}
+
+void DomWriter::writeIndent(int depth)
+{
+    if (m_indent <= 0)
+        return;
+    const int width = depth * m_indent;
+    if (m_spaces.size() < width)
+        m_spaces.fill(u' ', width);
+    m_out.append(QStringView(m_spaces).left(width));
+}
+
+void DomWriter::writeNewline()
+{
+    if (m_indent != -1)
+        m_out += u'\n';
+}
+
+void DomWriter::writeQuoted(const QString &text)
+{
+    const QChar quote = text.contains(u'\'') ? u'"' : u'\'';
+    m_out += quote;
+    writeRaw(text);
+    m_out += quote;
+}
+
+void DomWriter::writeRaw(QStringView text)
+{
+    qsizetype run = 0;
+    const qsizetype size = text.size();
+    for (qsizetype i = 0; i < size; ++i) {
+        const char16_t c = text[i].unicode();
+        if (c >= 0x20 && c < 0xD800)
+            continue;
+        if (c == u'\t' || c == u'\n' || c == u'\r' || (c >= 0xE000 && c < 0xFFFE))
+            continue;
+        if (isHighSurrogate(c) && i + 1 < size && isLowSurrogate(text[i + 1].unicode())) {
+            ++i;
+            continue;
+        }
+        // Not a character XML can carry: leave it out.
+        m_out.append(text.mid(run, i - run));
+        run = i + 1;
+    }
+    m_out.append(text.mid(run));
+}
+
+void DomWriter::writeEscaped(QStringView text, bool quotes, bool attribute)
+{
+    qsizetype run = 0;
+    const qsizetype size = text.size();
+    auto replace = [&](qsizetype i, QLatin1String with) {
+        m_out.append(text.mid(run, i - run));
+        m_out += with;
+        run = i + 1;
+    };
+    for (qsizetype i = 0; i < size; ++i) {
+        const char16_t c = text[i].unicode();
+        if (isPlain(c))
+            continue;
+        switch (c) {
+        case u'<':
+            replace(i, QLatin1String("&lt;"));
+            break;
+        case u'&':
+            replace(i, QLatin1String("&amp;"));
+            break;
+        case u'"':
+            if (quotes)
+                replace(i, QLatin1String("&quot;"));
+            break;
+        case u'>':
+            // Only "]]>" must not appear in character data.
+            if (i >= 2 && text[i - 1] == u']' && text[i - 2] == u']')
+                replace(i, QLatin1String("&gt;"));
+            break;
+        case u'\r':
+            replace(i, QLatin1String("&#xd;"));
+            break;
+        case u'\n':
+            if (attribute)
+                replace(i, QLatin1String("&#xa;"));
+            break;
+        case u'\t':
+            if (attribute)
+                replace(i, QLatin1String("&#x9;"));
+            break;
+        default:
+            if (c >= 0xE000 && c < 0xFFFE)
+                break;
+            if (isHighSurrogate(c) && i + 1 < size && isLowSurrogate(text[i + 1].unicode())) {
+                ++i;
+                break;
+            }
+            replace(i, QLatin1String());
+            break;
+        }
+    }
+    m_out.append(text.mid(run));
+}

@@ -1,0 +1,42 @@
+#ifndef LXDOC_DOMWRITER_H
+#define LXDOC_DOMWRITER_H
+
+#include <QByteArray>
+#include <QDomAttr>
+#include <QDomNode>
+#include <QString>
+#include <QVector>
+
+// Serialises a DOM tree in the indented form of QDomNode::save, but with the
+// attributes of every element sorted by name: QDom writes them in hash order,
+// which changes from one process to the next, and a lesson saved twice must
+// give the same bytes. Characters that XML 1.0 cannot carry are left out, so
+// whatever the tree holds, the text always parses again.
+class DomWriter {
+public:
+    static QString toString(const QDomNode &node, int indent);
+    static QByteArray toUtf8(const QDomNode &node, int indent);
+
+private:
+    explicit DomWriter(int indent);
+
+    void writeDocument(const QDomNode &document);
+    void writeNode(const QDomNode &node, int depth);
+    void writeChildren(const QDomNode &node, int depth);
+    void writeElement(const QDomElement &element, int depth);
+    void writeDocumentType(const QDomDocumentType &type);
+    void writeDeclaration(const QString &data);
+    void writeEntityValue(const QString &value);
+    void writeIndent(int depth);
+    void writeNewline();
+    void writeRaw(QStringView text);
+    void writeEscaped(QStringView text, bool quotes, bool attribute);
+    void writeQuoted(const QString &text);
+
+    const int m_indent;
+    QString m_out;
+    QString m_spaces;
+    QVector<QDomAttr> m_attributes;
+};
+
+#endif

@@ -1,0 +1,224 @@
+#include "numbertext.h"
+
+#include <charconv>
+#include <cmath>
+
+namespace {
+
+// Bounds of the fast path: past them a number may overflow an int or lose the
+// exact agreement with Qt's conversion, so Qt reads it instead.
+constexpr int maxPlainIntDigits = 9;
+constexpr int maxPlainFloatChars = 24;
+
+bool isDigit(QChar c)
+{
+    return c.unicode() >= u'0' && c.unicode() <= u'9';
+}
+
+// Optional '-', then digits; nothing else.
+bool plainIntToChars(QStringView text, char *buffer, int &length)
+{
+    const int size = int(text.size());
+    int i = 0;
+    if (size > 0 && text[0] == u'-')
+        buffer[i++] = '-';
+    const int digits = size - i;
+    if (digits < 1 || digits > maxPlainIntDigits)
+        return false;
+    for (; i < size; ++i) {
+        if (!isDigit(text[i]))
+            return false;
+        buffer[i] = char(text[i].unicode());
+    }
+    length = size;
+    return true;
+}
+
+// Optional '-', at least one digit, optionally '.' and at least one digit.
+bool plainFloatToChars(QStringView text, char *buffer, int &length)
+{
+    const int size = int(text.size());
+    if (size < 1 || size > maxPlainFloatChars)
+        return false;
+    int i = 0;
+    if (text[0] == u'-')
+        buffer[i++] = '-';
+    int intDigits = 0;
+    for (; i < size && isDigit(text[i]); ++i, ++intDigits)
+        buffer[i] = char(text[i].unicode());
+    if (intDigits == 0)
+        return false;
+    if (i < size) {
+        if (text[i] != u'.' || i + 1 == size)
+            return false;
+        buffer[i++] = '.';
+        for (; i < size; ++i) {
+            if (!isDigit(text[i]))
+                return false;
+            buffer[i] = char(text[i].unicode());
+        }
+    }
+    length = size;
+    return true;
+}
+
+// An exact tie at two decimals (x.125, x.375, x.625, x.875: the only ones a
+// double can hold) rounds away from zero in Qt but to even in to_chars; Qt
+// formats those itself. Multiplying by 8 is exact below 1e15.
+bool isTieAtTwoDecimals(double value)
+{
+    const double eighths = value * 8.0;
+    return std::floor(eighths) == eighths && std::fmod(eighths, 2.0) != 0.0;
+}
+
+void appendAscii(QString &out, const char *begin, const char *end)
+{
+    out.append(QLatin1String(begin, int(end - begin)));
+}
+
+// Comma-separated field of a part, as QString::section(',', n, n) cuts it.
+QStringView commaField(QStringView part, int field)
+{
+    qsizetype start = 0;
+    for (int f = 0; f < field; ++f) {
+        const qsizetype comma = part.indexOf(u',', start);
+        if (comma < 0)
+            return QStringView();
+        start = comma + 1;
+    }
+    const qsizetype comma = part.indexOf(u',', start);
+    return part.mid(start, comma < 0 ? part.size() - start : comma - start);
+}
+
+// Calls f for every piece of text cut at sep, empty pieces included.
+template<typename F>
+void forEachPiece(QStringView text, QChar sep, F f)
+{
+    qsizetype start = 0;
+    for (;;) {
+        const qsizetype cut = text.indexOf(sep, start);
+        if (cut < 0) {
+            f(text.mid(start));
+            return;
+        }
+        f(text.mid(start, cut - start));
+        start = cut + 1;
+    }
+}
+
+} // namespace
+
+int NumberText::toInt(QStringView text)
+{
+    char buffer[maxPlainIntDigits + 2];
+    int length = 0;
+    if (plainIntToChars(text, buffer, length)) {
+        int value = 0;
+        std::from_chars(buffer, buffer + length, value);
+        return value;
+    }
+    return text.toString().toInt(nullptr, 10);
+}
+
+float NumberText::toFloat(QStringView text)
+{
+    char buffer[maxPlainFloatChars + 1];
+    int length = 0;
+    if (plainFloatToChars(text, buffer, length)) {
+        double value = 0;
+        std::from_chars(buffer, buffer + length, value);
+        return float(value);
+    }
+    return text.toString().toFloat();
+}
+
+QString NumberText::floatAttribute(float value)
+{
+    return QString::number(double(value), 'g', 6);
+}
+
+QString NumberText::fixed5(double value)
+{
+    return QString::asprintf("%0.5f", value);
+}
+
+void NumberText::appendFixed2(QString &out, double value)
+{
+    if (value == 0) {
+        // Qt writes negative zero without its sign.
+        out += QLatin1String("0.00");
+        return;
+    }
+    if (std::isfinite(value) && std::fabs(value) < 1e15 && !isTieAtTwoDecimals(value)) {
+        char buffer[32];
+        const auto result = std::to_chars(buffer, buffer + sizeof buffer, value,
+                                          std::chars_format::fixed, 2);
+        if (result.ec == std::errc()) {
+            appendAscii(out, buffer, result.ptr);
+            return;
+        }
+    }
+    out += QString::asprintf("%.2f", value);
+}
+
+void NumberText::appendInt(QString &out, int value)
+{
+    char buffer[16];
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    appendAscii(out, buffer, result.ptr);
+}
+
+void NumberText::appendPoints(QList<QPointF> &out, QStringView text)
+{
+    forEachPiece(text, u' ', [&out](QStringView part) {
+        out.append(QPointF(toFloat(commaField(part, 0)), toFloat(commaField(part, 1))));
+    });
+}
+
+void NumberText::appendInts(QList<int> &out, QStringView text)
+{
+    forEachPiece(text, u',', [&out](QStringView part) { out.append(toInt(part)); });
+}
+
+void NumberText::appendFloats(QList<float> &out, QStringView text)
+{
+    forEachPiece(text, u',', [&out](QStringView part) { out.append(toFloat(part)); });
+}
+
+QString NumberText::pointsText(const QList<QPointF> &points)
+{
+    QString out;
+    out.reserve(points.size() * 14);
+    for (const QPointF &point : points) {
+        if (!out.isEmpty())
+            out += u' ';
+        appendFixed2(out, point.x());
+        out += u',';
+        appendFixed2(out, point.y());
+    }
+    return out;
+}
+
+QString NumberText::intsText(const QList<int> &values)
+{
+    QString out;
+    out.reserve(values.size() * 6);
+    for (int i = 0; i < values.size(); ++i) {
+        if (i > 0)
+            out += u',';
+        appendInt(out, values[i]);
+    }
+    return out;
+}
+
+QString NumberText::floatsText(const QList<float> &values)
+{
+    QString out;
+    out.reserve(values.size() * 7);
+    for (int i = 0; i < values.size(); ++i) {
+        if (i > 0)
+            out += u',';
+        appendFixed2(out, values[i]);
+    }
+    return out;
+}

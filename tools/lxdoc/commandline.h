@@ -1,0 +1,33 @@
+#ifndef LXDOC_TOOL_COMMANDLINE_H
+#define LXDOC_TOOL_COMMANDLINE_H
+
+#include <QCommandLineParser>
+#include <QStringList>
+
+// The options of one subcommand. The subcommand's name is its first
+// positional argument, so "lxdoc dump --help" shows "lxdoc dump ..." usage.
+class CommandLine {
+public:
+    CommandLine(const QString &command, const QString &description);
+
+    void addArgument(const QString &name, const QString &description, bool optional = false);
+    void addOption(const QCommandLineOption &option);
+
+    // Returns -1 when the command should run, otherwise the exit status
+    // (help shown, or a usage error already reported).
+    int parse(const QStringList &arguments);
+
+    QStringList arguments() const;
+    QString argument(int index, const QString &fallback = QString()) const;
+    bool isSet(const QString &name) const;
+    QString value(const QString &name) const;
+    QString command() const;
+
+private:
+    QCommandLineParser m_parser;
+    QString m_command;
+    int m_required = 0;
+    int m_total = 0;
+};
+
+#endif

@@ -1,0 +1,93 @@
+#include "filetree.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+const QDir::Filters kEntries = QDir::AllEntries | QDir::NoDotAndDotDot | QDir::NoSymLinks | QDir::Hidden;
+
+bool copyEntry(const QFileInfo &entry, const QDir &source, const QDir &target, QString *error)
+{
+    const QString relative = source.relativeFilePath(entry.filePath());
+    const QString destination = target.filePath(relative);
+    if (entry.isDir()) {
+        if (target.mkpath(relative))
+            return true;
+        *error = QStringLiteral("cannot make the folder '%1'").arg(destination);
+        return false;
+    }
+    if (QFile::exists(destination))
+        QFile::remove(destination);
+    if (QFile::copy(entry.filePath(), destination))
+        return true;
+    *error = entry.isReadable() ? QStringLiteral("cannot write '%1'").arg(destination)
+                                : QStringLiteral("cannot read '%1'").arg(entry.filePath());
+    return false;
+}
+
+} // namespace
+
+bool FileTree::copy(const QString &source, const QString &target, QString *error)
+{
+    const QDir from(source);
+    QDir to(target);
+    if (!to.mkpath(QStringLiteral("."))) {
+        *error = QStringLiteral("cannot make the folder '%1'").arg(target);
+        return false;
+    }
+    // Parents come before their children in the iteration, so folders exist
+    // before their files are copied.
+    QDirIterator it(source, kEntries, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        it.next();
+        if (!copyEntry(it.fileInfo(), from, to, error))
+            return false;
+    }
+    return true;
+}
+
+QStringList FileTree::files(const QString &folder)
+{
+    const QDir root(folder);
+    QStringList result;
+    QDirIterator it(folder, QDir::Files | QDir::NoSymLinks, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        result << root.relativeFilePath(it.next());
+    result.sort();
+    return result;
+}
+
+bool FileTree::isEmptyOrMissing(const QString &folder)
+{
+    const QFileInfo info(folder);
+    if (!info.exists())
+        return true;
+    return info.isDir() && QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System).isEmpty();
+}
+
+bool FileTree::isLessonFolder(const QString &folder)
+{
+    return QFileInfo(QDir(folder).filePath(QStringLiteral("manifest.xml"))).isFile();
+}
+
+bool FileTree::publish(const QString &source, const QString &target, QString *error)
+{
+    const QString partial = target + QStringLiteral(".part");
+    QFile::remove(partial);
+    if (!QFile::copy(source, partial)) {
+        *error = QStringLiteral("cannot write '%1'").arg(target);
+        return false;
+    }
+    if (QFile::exists(target) && !QFile::remove(target)) {
+        QFile::remove(partial);
+        *error = QStringLiteral("cannot replace '%1'").arg(target);
+        return false;
+    }
+    if (QFile::rename(partial, target))
+        return true;
+    *error = QStringLiteral("cannot write '%1'").arg(target);
+    return false;
+}

@@ -1,0 +1,144 @@
+#include "lessonchecker.h"
+
+#include "console.h"
+#include "filetree.h"
+#include "manifestreader.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QXmlStreamReader>
+
+namespace {
+
+const QString kManifest = QStringLiteral("manifest.xml");
+
+} // namespace
+
+LessonChecker::LessonChecker(const QString &folder)
+    : m_folder(folder)
+{
+}
+
+void LessonChecker::run()
+{
+    const QString manifestProblem = xmlProblem(kManifest, QStringLiteral("manifest"));
+    if (!manifestProblem.isEmpty()) {
+        m_problems << QStringLiteral("%1: %2").arg(kManifest, manifestProblem);
+        return;
+    }
+    ManifestReader manifest;
+    manifest.load(QDir(m_folder).filePath(kManifest));
+    checkPageFiles(manifest, QStringLiteral("pages"), QStringLiteral("svg"));
+    checkPageFiles(manifest, QStringLiteral("records"), QStringLiteral("record"));
+    checkResources(manifest);
+    checkUnlistedPages(manifest);
+    Console::endProgress();
+}
+
+QStringList LessonChecker::problems() const
+{
+    return m_problems;
+}
+
+QStringList LessonChecker::notes() const
+{
+    return m_notes;
+}
+
+void LessonChecker::checkPageFiles(const ManifestReader &manifest, const QString &list, const QString &root)
+{
+    if (!manifest.hasList(list)) {
+        m_problems << QStringLiteral("%1: has no '%2' list").arg(kManifest, list);
+        return;
+    }
+    const QStringList entries = manifest.list(list);
+    checkDuplicates(entries, list);
+    for (int i = 0; i < entries.size(); ++i) {
+        Console::progress(i + 1, int(entries.size()), QStringLiteral("checking %1").arg(list));
+        const QString &entry = entries.at(i);
+        const QString problem = isInside(entry) ? xmlProblem(entry, root) : QStringLiteral("points outside the lesson");
+        if (!problem.isEmpty())
+            m_problems << QStringLiteral("%1: %2 (listed in '%3')").arg(entry, problem, list);
+    }
+}
+
+void LessonChecker::checkResources(const ManifestReader &manifest)
+{
+    QSet<QString> listed;
+    for (const QString &kind : ManifestReader::resourceKinds()) {
+        const QStringList entries = manifest.list(kind);
+        checkDuplicates(entries, kind);
+        for (const QString &entry : entries) {
+            listed.insert(QDir::cleanPath(entry));
+            if (!isInside(entry))
+                m_problems << QStringLiteral("%1: points outside the lesson (listed in '%2')").arg(entry, kind);
+            else if (!QFileInfo(QDir(m_folder).filePath(entry)).isFile())
+                m_problems << QStringLiteral("%1: listed in '%2' but missing").arg(entry, kind);
+        }
+    }
+    checkUnlistedResources(listed);
+}
+
+void LessonChecker::checkUnlistedResources(const QSet<QString> &listed)
+{
+    // Fill blocks and attachments may be listed under each other's name, so
+    // a file counts as listed when any resource list names it.
+    for (const QString &kind : ManifestReader::resourceKinds()) {
+        const QString folder = ManifestReader::folderOfKind(kind);
+        for (const QString &file : FileTree::files(QDir(m_folder).filePath(folder))) {
+            const QString entry = folder + QLatin1Char('/') + file;
+            if (!listed.contains(entry))
+                m_problems << QStringLiteral("%1: present but not listed in the manifest").arg(entry);
+        }
+    }
+}
+
+void LessonChecker::checkUnlistedPages(const ManifestReader &manifest)
+{
+    const QStringList listed = manifest.list(QStringLiteral("pages")) + manifest.list(QStringLiteral("records"));
+    const QStringList present = QDir(m_folder).entryList({QStringLiteral("page*.svg"), QStringLiteral("page*.mtrec")},
+                                                         QDir::Files, QDir::Name);
+    // Deleting a page leaves its files behind on purpose; packing keeps them.
+    for (const QString &file : present) {
+        if (!listed.contains(file))
+            m_notes << QStringLiteral("%1: present but not listed in the manifest (left by a deleted page?)").arg(file);
+    }
+}
+
+void LessonChecker::checkDuplicates(const QStringList &entries, const QString &list)
+{
+    QSet<QString> seen;
+    for (const QString &entry : entries) {
+        if (seen.contains(entry))
+            m_problems << QStringLiteral("%1: '%2' is listed more than once in '%3'").arg(kManifest, entry, list);
+        seen.insert(entry);
+    }
+}
+
+bool LessonChecker::isInside(const QString &entry) const
+{
+    const QString clean = QDir::cleanPath(entry);
+    return !QDir::isAbsolutePath(clean) && clean != QLatin1String("..") && !clean.startsWith(QLatin1String("../"));
+}
+
+QString LessonChecker::xmlProblem(const QString &name, const QString &root) const
+{
+    QFile file(QDir(m_folder).filePath(name));
+    if (!file.exists())
+        return name == kManifest ? QStringLiteral("missing, so this is not a lesson") : QStringLiteral("missing");
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringLiteral("cannot be read (%1)").arg(file.errorString());
+    QXmlStreamReader reader(&file);
+    reader.setNamespaceProcessing(false);
+    const bool hasRoot = reader.readNextStartElement();
+    const QString rootName = reader.name().toString();
+    while (!reader.atEnd())
+        reader.readNext();
+    if (reader.hasError())
+        return QStringLiteral("not well-formed XML (line %1, column %2: %3)")
+            .arg(reader.lineNumber()).arg(reader.columnNumber()).arg(reader.errorString());
+    if (!hasRoot || rootName != root)
+        return QStringLiteral("the root element is <%1>, expected <%2>").arg(rootName, root);
+    return QString();
+}

@@ -1,0 +1,58 @@
+#include "lessonpages.h"
+
+#include <QDir>
+
+LessonPages::LessonPages(ILXDocument *document, const QString &folder)
+    : m_document(document)
+    , m_folder(folder)
+{
+    m_manifest.load(QDir(folder).filePath(QStringLiteral("manifest.xml")));
+}
+
+int LessonPages::count() const
+{
+    return m_document->getPagesCount();
+}
+
+Handle<ILXFrontPage> LessonPages::page(int index, int *id) const
+{
+    return Handle<ILXFrontPage>(m_document->getPageByIndex(index, *id));
+}
+
+Handle<ILXRecordPage> LessonPages::record(int id) const
+{
+    if (!m_manifest.list(QStringLiteral("records")).contains(QStringLiteral("page%1.mtrec").arg(id)))
+        return nullptr;
+    return Handle<ILXRecordPage>(m_document->getRecPageById(id));
+}
+
+QString LessonPages::pageFile(int index) const
+{
+    return QDir(m_folder).filePath(m_manifest.list(QStringLiteral("pages")).value(index));
+}
+
+QString LessonPages::folder() const
+{
+    return m_folder;
+}
+
+const ManifestReader &LessonPages::manifest() const
+{
+    return m_manifest;
+}
+
+int LessonPages::countObjects(ILXFrontPage *page)
+{
+    int count = 0;
+    for (Handle<ILXObject> object(page->getFirstLXObject()); object; object.reset(page->getNextLXObject()))
+        ++count;
+    return count;
+}
+
+int LessonPages::countCommands(ILXRecordPage *record)
+{
+    int count = 0;
+    for (Handle<ILXCmd> command(record->getFirstLXCmd()); command; command.reset(record->getNextLXCmd()))
+        ++count;
+    return count;
+}

@@ -1,0 +1,46 @@
+#ifndef LXDOC_TOOL_LESSONSOURCE_H
+#define LXDOC_TOOL_LESSONSOURCE_H
+
+#include "handle.h"
+
+#include <QString>
+#include <QTemporaryDir>
+
+#include <memory>
+
+// A lesson named on the command line: an archive or an unpacked folder.
+// The library deletes the working folder of a document on release and opens
+// folders in place, so it only ever gets a private copy.
+class LessonSource {
+public:
+    explicit LessonSource(const QString &path);
+
+    // A folder to read and never change: the user's folder itself, or the
+    // archive unpacked into a private temporary folder.
+    bool prepareReadOnly();
+    // A private copy, opened as a document.
+    bool open();
+
+    QString folder() const;
+    ILXDocument *document() const;
+    // One line: "cannot open 'x': reason".
+    QString error() const;
+
+    static bool isArchiveName(const QString &path);
+
+private:
+    bool checkPath();
+    bool makeTemporaryFolder();
+    bool unpackArchive();
+    bool copyFolder();
+    bool fail(const QString &reason);
+
+    QString m_path;
+    bool m_isFolder = false;
+    std::unique_ptr<QTemporaryDir> m_temp;
+    QString m_folder;
+    Handle<ILXDocument> m_document;
+    QString m_error;
+};
+
+#endif

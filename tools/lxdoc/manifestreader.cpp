@@ -1,0 +1,76 @@
+#include "manifestreader.h"
+
+#include <QFile>
+#include <QXmlStreamReader>
+
+bool ManifestReader::load(const QString &path)
+{
+    m_lists.clear();
+    m_rootName.clear();
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        m_error = file.errorString();
+        return false;
+    }
+    QXmlStreamReader reader(&file);
+    reader.setNamespaceProcessing(false);
+    if (reader.readNextStartElement()) {
+        m_rootName = reader.name().toString();
+        while (reader.readNextStartElement()) {
+            if (reader.name() == QLatin1String("resource"))
+                readResource(reader);
+            else
+                reader.skipCurrentElement();
+        }
+    }
+    if (reader.hasError()) {
+        m_error = QStringLiteral("line %1, column %2: %3")
+                      .arg(reader.lineNumber()).arg(reader.columnNumber()).arg(reader.errorString());
+        return false;
+    }
+    return true;
+}
+
+void ManifestReader::readResource(QXmlStreamReader &reader)
+{
+    const QString identifier = reader.attributes().value(QLatin1String("identifier")).toString();
+    QStringList &entries = m_lists[identifier];
+    while (reader.readNextStartElement()) {
+        // Entries without a name are skipped, as the library skips them.
+        const QString href = reader.attributes().value(QLatin1String("href")).toString();
+        if (!href.isEmpty())
+            entries << href;
+        reader.skipCurrentElement();
+    }
+}
+
+QString ManifestReader::error() const
+{
+    return m_error;
+}
+
+QString ManifestReader::rootName() const
+{
+    return m_rootName;
+}
+
+bool ManifestReader::hasList(const QString &identifier) const
+{
+    return m_lists.contains(identifier);
+}
+
+QStringList ManifestReader::list(const QString &identifier) const
+{
+    return m_lists.value(identifier);
+}
+
+QStringList ManifestReader::resourceKinds()
+{
+    return {QStringLiteral("images"), QStringLiteral("sounds"), QStringLiteral("avmedia"),
+            QStringLiteral("flashes"), QStringLiteral("fillblocks"), QStringLiteral("attachments")};
+}
+
+QString ManifestReader::folderOfKind(const QString &kind)
+{
+    return kind == QLatin1String("flashes") ? QStringLiteral("flash") : kind;
+}
