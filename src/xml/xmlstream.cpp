@@ -5,6 +5,7 @@
 
 #include <QDomElement>
 #include <QDomNamedNodeMap>
+#include <QSaveFile>
 #include <QStringList>
 
 #include <algorithm>
@@ -189,14 +190,21 @@ bool QXmlStream::saveFile()
     m_file.close();
     if (m_file.fileName().isEmpty())
         return false;
-    if (!m_file.open(QIODevice::ReadWrite | QIODevice::Truncate)) {
+    // The new content replaces the file only once it is complete and flushed
+    // to disk, so a crash or a full disk during a save leaves the last saved
+    // page instead of a truncated one. A folder that refuses the temporary
+    // file still gets the file written in place.
+    QSaveFile out(m_file.fileName());
+    out.setDirectWriteFallback(true);
+    const QByteArray bytes = DomWriter::toUtf8(m_document, fileIndent);
+    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit())
+        return false;
+    // The file stays open on purpose: closing with save, or the destructor,
+    // writes it once more.
+    if (!m_file.open(QIODevice::ReadWrite)) {
         m_file.close();
         return false;
     }
-    m_file.write(DomWriter::toUtf8(m_document, fileIndent));
-    m_file.flush();
-    // The file stays open on purpose: closing with save, or the destructor,
-    // writes it once more.
     return true;
 }
 

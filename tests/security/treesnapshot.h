@@ -60,12 +60,12 @@ private:
         if (::lstat(QFile::encodeName(path).constData(), &st) != 0)
             return QStringLiteral("<unreadable>");
         const QFileInfo info(path);
+        // A folder's time and link count move whenever an entry inside it
+        // comes or goes, and those entries are compared themselves.
         return QStringLiteral("mode %1 size %2 links %3 mtime %4.%5 -> %6")
             .arg(st.st_mode, 0, 8)
             .arg(qint64(st.st_size))
-            .arg(qint64(st.st_nlink))
-            // A folder's time moves whenever an entry inside it comes or goes,
-            // and those entries are compared themselves.
+            .arg(S_ISDIR(st.st_mode) ? 0 : qint64(st.st_nlink))
             .arg(S_ISDIR(st.st_mode) ? 0 : qint64(st.st_mtim.tv_sec))
             .arg(S_ISDIR(st.st_mode) ? 0 : qint64(st.st_mtim.tv_nsec))
             .arg(info.isSymLink() ? info.symLinkTarget() : QString());

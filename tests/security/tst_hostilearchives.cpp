@@ -89,12 +89,14 @@ void TestHostileArchives::openArchive_data()
     };
     QTest::newRow("lesson") << "lesson" << Outcome::Opens << "page1.svg";
     QTest::newRow("utf8-names") << "utf8-names" << Outcome::Opens << QStringLiteral("images/Größe_αβ_é.png");
-    // Names written by old tools without the UTF-8 mark open with the name
-    // transcoded; the file stays inside the unpack folder.
-    QTest::newRow("cp437-names") << "cp437-names" << Outcome::Opens << "images";
-    QTest::newRow("latin1-names") << "latin1-names" << Outcome::Opens << "images";
-    for (const char *recipe : {"dotdot", "dotdot-deep", "dotdot-sentinel", "absolute", "symlink-out",
-                               "symlink-relative", "symlink-manifest", "char-device", "fifo", "tar-hardlink",
+    // libarchive reads a pipe's mode bits in a ZIP as a plain file: what lands
+    // is an ordinary empty file, never a pipe (checked below).
+    QTest::newRow("fifo") << "fifo" << Outcome::Opens << "images/pipe";
+    // Names are taken as UTF-8 only: an archive whose names are other bytes
+    // (CP437 or Latin-1 from old tools) is refused rather than unpacked
+    // under names nobody can predict.
+    for (const char *recipe : {"cp437-names", "latin1-names", "dotdot", "dotdot-deep", "dotdot-sentinel", "absolute", "symlink-out",
+                               "symlink-relative", "symlink-manifest", "char-device", "tar-hardlink",
                                "tar-symlink", "tar-device", "duplicate", "file-and-folder", "bomb", "lying-size",
                                "truncated", "truncated-tail", "corrupt-data", "bad-crc", "not-zip", "empty",
                                "flagged-encrypted", "encrypted", "long-name"})

@@ -71,7 +71,6 @@ private slots:
     void getRootNodeTakesOneStep();
 
     // Navigation and editing
-    void plainSteps();
     void childByNameSkipsOrStopsAtText();
     void childNodesCount();
     void attributeSearches();
@@ -390,25 +389,6 @@ void TestXmlStream::getRootNodeTakesOneStep()
     QCOMPARE(int(root.nodeType()), type);
     QCOMPARE(stream.getNodeName(root), name);
     QVERIFY(stream.isRootNode(root));
-}
-
-void TestXmlStream::plainSteps()
-{
-    QXmlStream stream;
-    QVERIFY(stream.loadFromXmlStream(QStringLiteral("<r>t<a/><b/></r>")));
-    const QDomNode root = stream.getRootNode();
-    const QDomNode first = stream.getFirstChildNode(root);
-    QVERIFY(first.isText());
-    const QDomNode last = stream.getLastChildNode(root);
-    QCOMPARE(stream.getNodeName(last), QStringLiteral("b"));
-    QCOMPARE(stream.getNodeName(stream.getPreviousNode(last)), QStringLiteral("a"));
-    QCOMPARE(stream.getNextNode(stream.getNextNode(first)), last);
-    QVERIFY(stream.isNullNode(stream.getNextNode(last)));
-    QVERIFY(stream.isNullNode(stream.getPreviousNode(first)));
-    QVERIFY(stream.isNullNode(stream.getFirstChildNode(last)));
-    QVERIFY(stream.hadChildNodes(root));
-    QVERIFY(!stream.hadChildNodes(last));
-    QVERIFY(!stream.hadChildNodes(QDomNode()));
 }
 
 void TestXmlStream::childByNameSkipsOrStopsAtText()

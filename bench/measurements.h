@@ -1,0 +1,77 @@
+#ifndef LXDOC_BENCH_MEASUREMENTS_H
+#define LXDOC_BENCH_MEASUREMENTS_H
+
+#include "lessongenerator.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+class ILXDocument;
+class QTextStream;
+
+// Times whole-lesson work through the library side by side with baselines
+// run on the same files in the same process: Info-ZIP for packing and
+// unpacking, plain QDomDocument for parsing and saving. Every time is the
+// median of several runs.
+class Measurements {
+public:
+    struct Options {
+        LessonShape shape;
+        int runs = 5;
+        QList<int> growthPages;
+        bool smoke = false;
+    };
+
+    explicit Measurements(const Options &options);
+    // Prints both tables; false when the library failed or a walk did not
+    // read back what was written.
+    bool run(QTextStream &out);
+
+    // The re-executed child: opens the archive, resets its peak, walks the
+    // lesson (mode "walk") or holds its largest page (mode "largest"), and
+    // prints "<rss before kB> <peak kB> <reset 0|1>".
+    static int measureWalkChild(const QString &archive, const QString &mode);
+
+private:
+    // Milliseconds of one run; -1 where a figure was not taken.
+    struct Figures {
+        double build = -1;
+        double pack = -1;
+        double zip = -1;
+        double open = -1;
+        double unzip = -1;
+        double read = -1;
+        double parse = -1;
+        double save = -1;
+        double plainSave = -1;
+        qint64 archiveBytes = -1;
+        qint64 zipBytes = -1;
+        qint64 xmlBytes = -1;
+    };
+    struct Memory {
+        qint64 walk = -1;
+        qint64 largest = -1;
+        bool reset = false;
+    };
+
+    bool runOnce(const LessonShape &shape, LessonGenerator &generator, bool baselines, Figures &figures);
+    bool buildAndPack(const LessonShape &shape, LessonGenerator &generator, bool baselines, Figures &figures);
+    bool openAndRead(const LessonShape &shape, bool baselines, Figures &figures);
+    double saveEdited(ILXDocument *document);
+    bool measureMemory(Memory &memory);
+    bool runGrowth(QTextStream &out);
+    void printMain(QTextStream &out, const QList<Figures> &runs, const Memory &memory) const;
+
+    double runTool(const QString &program, const QStringList &arguments, const QString &workingFolder) const;
+    static QStringList pageFiles(const QString &folder);
+    static double plainParse(const QString &folder, const QStringList &files);
+    double plainSave(const QString &folder, const QStringList &files) const;
+
+    Options m_options;
+    QString m_root;
+    QString m_zip;
+    QString m_unzip;
+};
+
+#endif
