@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QPixmap>
 #include <QRandomGenerator>
 #include <QRectF>
 #include <QSize>

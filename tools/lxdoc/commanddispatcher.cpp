@@ -34,8 +34,10 @@ bool parseSize(const QString &text, QSize *size)
     const QRegularExpressionMatch match = QRegularExpression(QStringLiteral("^(\\d+)x(\\d+)$")).match(text);
     if (!match.hasMatch())
         return false;
+    // Beyond this an image no longer fits in memory comfortably.
+    const int largest = 20000;
     *size = QSize(match.captured(1).toInt(), match.captured(2).toInt());
-    return !size->isEmpty();
+    return !size->isEmpty() && size->width() <= largest && size->height() <= largest;
 }
 
 } // namespace

@@ -11,7 +11,7 @@ CommandLine::CommandLine(const QString &command, const QString &description)
 {
     m_parser.setApplicationDescription(description);
     m_parser.addHelpOption();
-    m_parser.addPositionalArgument(command, QString(), command);
+    m_parser.addPositionalArgument(command, QStringLiteral("(this command)"), command);
 }
 
 void CommandLine::addArgument(const QString &name, const QString &description, bool optional)

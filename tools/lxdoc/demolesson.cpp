@@ -16,6 +16,9 @@ DemoLesson::DemoLesson(const QString &archive)
 
 bool DemoLesson::create()
 {
+    const QFileInfo target(QFileInfo(m_archive).absolutePath());
+    if (!target.isDir() || !target.isWritable())
+        return fail(QStringLiteral("cannot write to the folder '%1'").arg(target.filePath()));
     const QTemporaryDir temp(QDir::tempPath() + QStringLiteral("/lxdoc-XXXXXX"));
     if (!temp.isValid())
         return fail(QStringLiteral("cannot make a temporary folder"));

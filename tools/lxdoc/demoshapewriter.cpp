@@ -116,6 +116,5 @@ void DemoShapeWriter::writeText(ILXObject *object, const DemoShape &shape)
 void DemoShapeWriter::writeImage(ILXObject *object, const DemoShape &shape)
 {
     writeRect(object, shape.box);
-    object->setLXObjectAttribute(QStringLiteral("preserveAspectRatio"), QStringLiteral("none"));
     object->setLXObjectAttribute(QStringLiteral("xlink:href"), shape.text);
 }

@@ -13,6 +13,13 @@
 #include <QPdfWriter>
 #include <QSvgRenderer>
 
+namespace {
+
+// Larger pages are damaged page files, not boards.
+const int kMaxSide = 20000;
+
+} // namespace
+
 LessonRenderer::LessonRenderer(const LessonPages &pages)
     : m_pages(pages)
 {
@@ -89,6 +96,8 @@ bool LessonRenderer::pageSvg(int index, QByteArray *svg, QSize *size)
     if (!page)
         return fail(QStringLiteral("page %1 cannot be read").arg(index + 1));
     page->getPageSize(*size);
+    if (size->isEmpty() || size->width() > kMaxSide || size->height() > kMaxSide)
+        return fail(QStringLiteral("page %1 has an unusable size (%2x%3)").arg(index + 1).arg(size->width()).arg(size->height()));
     QFile file(m_pages.pageFile(index));
     if (!file.open(QIODevice::ReadOnly))
         return fail(QStringLiteral("page %1 cannot be read (%2)").arg(index + 1).arg(file.errorString()));
@@ -126,7 +135,8 @@ QSize LessonRenderer::outputSize(QSize page) const
 {
     if (m_box.isEmpty())
         return page;
-    return page.scaled(m_box, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+    const double factor = qMin(double(m_box.width()) / page.width(), double(m_box.height()) / page.height());
+    return QSize(qRound(page.width() * factor), qRound(page.height() * factor)).expandedTo(QSize(1, 1));
 }
 
 bool LessonRenderer::fail(const QString &reason)

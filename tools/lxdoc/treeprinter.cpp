@@ -16,9 +16,12 @@ QStringList TreePrinter::lines(const QJsonObject &node, int depth)
 
 QString TreePrinter::nodeLine(const QJsonObject &node, int depth)
 {
+    // Class and graphic id name a node; the other properties follow by name.
     QStringList parts{node.value(QLatin1String("class")).toString(QStringLiteral("(no class)"))};
+    if (node.contains(QLatin1String("gid")))
+        parts << QStringLiteral("gid=%1").arg(valueText(node.value(QLatin1String("gid"))));
     for (auto it = node.begin(); it != node.end(); ++it) {
-        if (it.key() != QLatin1String("class") && !isNodeList(it.value()))
+        if (it.key() != QLatin1String("class") && it.key() != QLatin1String("gid") && !isNodeList(it.value()))
             parts << QStringLiteral("%1=%2").arg(it.key(), valueText(it.value()));
     }
     return QString(depth * 2, QLatin1Char(' ')) + parts.join(QLatin1Char(' '));
