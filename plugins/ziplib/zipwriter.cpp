@@ -48,6 +48,10 @@ bool ZipWriter::open(int fd)
     archive *const a = m_archive.get();
     if (archive_write_set_format_zip(a) != ARCHIVE_OK
         || archive_write_set_options(a, "zip:hdrcharset=UTF-8") != ARCHIVE_OK
+        // Page files are long runs of number text: zlib's default level 6
+        // deflates them at a fifth of the speed of level 2 for an archive
+        // only 8% smaller, and a teacher waits for every save.
+        || archive_write_set_options(a, "zip:compression-level=2") != ARCHIVE_OK
         || archive_write_set_bytes_per_block(a, ArchiveBlockSize) != ARCHIVE_OK
         // A ZIP ends with its directory; padding after it would be junk to readers.
         || archive_write_set_bytes_in_last_block(a, 1) != ARCHIVE_OK

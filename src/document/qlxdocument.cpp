@@ -324,7 +324,10 @@ bool QLXDocument::removeFolder(const QString &path, bool removeSelf)
     if (path.isEmpty())
         return false;
     QDir dir(path);
-    const QStringList subfolders = dir.entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::NoSort);
+    // A link to a folder is not descended into: deleting a working folder
+    // must never reach files that live outside it.
+    const QStringList subfolders =
+        dir.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks, QDir::NoSort);
     for (const QString &name : subfolders)
         removeFolder(QStringLiteral("%1/%2").arg(dir.absolutePath(), name), true);
     const QFileInfoList files = dir.entryInfoList(QStringList(QStringLiteral("*")), QDir::Files | QDir::NoSymLinks);

@@ -55,7 +55,10 @@ bool QManifest::loadManifestFile(const QString &path)
     closeStream(true);
     m_stream = new QXmlStream;
     if (!m_stream->loadFromXmlFile(path)) {
-        closeStream(true);
+        // A manifest that does not parse stays open after the failed load;
+        // closing it with saving would replace the user's file with an empty
+        // tree, so it is let go untouched.
+        closeStream(false);
         return false;
     }
     m_root = m_stream->getRootNode();

@@ -76,34 +76,87 @@ void appendAscii(QString &out, const char *begin, const char *end)
     out.append(QLatin1String(begin, int(end - begin)));
 }
 
-// Comma-separated field of a part, as QString::section(',', n, n) cuts it.
+// Where the next sep stands at or after from, or the size when none does.
+// A plain loop: the pieces are a few characters long, and Qt's general
+// search costs more to set up than the scan itself.
+qsizetype findChar(QStringView text, qsizetype from, char16_t sep)
+{
+    const qsizetype size = text.size();
+    const QChar *const data = text.data();
+    while (from < size && data[from].unicode() != sep)
+        ++from;
+    return from;
+}
+
+// Comma-separated field 0 or 1 of a part, as QString::section(',', n, n)
+// cuts it: a missing field is null.
 QStringView commaField(QStringView part, int field)
 {
-    qsizetype start = 0;
-    for (int f = 0; f < field; ++f) {
-        const qsizetype comma = part.indexOf(u',', start);
-        if (comma < 0)
-            return QStringView();
-        start = comma + 1;
-    }
-    const qsizetype comma = part.indexOf(u',', start);
-    return part.mid(start, comma < 0 ? part.size() - start : comma - start);
+    const qsizetype first = findChar(part, 0, u',');
+    if (field == 0)
+        return part.left(first);
+    if (first == part.size())
+        return QStringView();
+    const qsizetype second = findChar(part, first + 1, u',');
+    return part.mid(first + 1, second - first - 1);
 }
 
 // Calls f for every piece of text cut at sep, empty pieces included.
 template<typename F>
-void forEachPiece(QStringView text, QChar sep, F f)
+void forEachPiece(QStringView text, char16_t sep, F f)
 {
     qsizetype start = 0;
     for (;;) {
-        const qsizetype cut = text.indexOf(sep, start);
-        if (cut < 0) {
-            f(text.mid(start));
-            return;
-        }
+        const qsizetype cut = findChar(text, start, sep);
         f(text.mid(start, cut - start));
+        if (cut == text.size())
+            return;
         start = cut + 1;
     }
+}
+
+qsizetype pieceCount(QStringView text, char16_t sep)
+{
+    qsizetype count = 1;
+    for (const QChar c : text)
+        count += c.unicode() == sep;
+    return count;
+}
+
+// Plain decimals of at most 15 digits ("-123.45"): the digits fit a double
+// exactly and so does the power of ten, so one division gives the correctly
+// rounded value, the same double from_chars and Qt produce.
+bool shortDecimal(QStringView text, double &value)
+{
+    static const double powers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7,
+                                    1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    const qsizetype size = text.size();
+    qsizetype i = 0;
+    const bool negative = size > 0 && text[0] == u'-';
+    if (negative)
+        ++i;
+    quint64 digits = 0;
+    int count = 0;
+    int fraction = -1;
+    for (; i < size; ++i) {
+        const char16_t c = text[i].unicode();
+        if (c >= u'0' && c <= u'9') {
+            digits = digits * 10 + (c - u'0');
+            ++count;
+            if (fraction >= 0)
+                ++fraction;
+        } else if (c == u'.' && fraction < 0 && count > 0) {
+            fraction = 0;
+        } else {
+            return false;
+        }
+    }
+    if (count == 0 || count > 15 || fraction == 0)
+        return false;
+    value = double(digits) / powers[fraction < 0 ? 0 : fraction];
+    if (negative)
+        value = -value;
+    return true;
 }
 
 } // namespace
@@ -122,10 +175,12 @@ int NumberText::toInt(QStringView text)
 
 float NumberText::toFloat(QStringView text)
 {
+    double value = 0;
+    if (shortDecimal(text, value))
+        return float(value);
     char buffer[maxPlainFloatChars + 1];
     int length = 0;
     if (plainFloatToChars(text, buffer, length)) {
-        double value = 0;
         std::from_chars(buffer, buffer + length, value);
         return float(value);
     }
@@ -170,6 +225,7 @@ void NumberText::appendInt(QString &out, int value)
 
 void NumberText::appendPoints(QList<QPointF> &out, QStringView text)
 {
+    out.reserve(out.size() + pieceCount(text, u' '));
     forEachPiece(text, u' ', [&out](QStringView part) {
         out.append(QPointF(toFloat(commaField(part, 0)), toFloat(commaField(part, 1))));
     });
@@ -177,11 +233,13 @@ void NumberText::appendPoints(QList<QPointF> &out, QStringView text)
 
 void NumberText::appendInts(QList<int> &out, QStringView text)
 {
+    out.reserve(out.size() + pieceCount(text, u','));
     forEachPiece(text, u',', [&out](QStringView part) { out.append(toInt(part)); });
 }
 
 void NumberText::appendFloats(QList<float> &out, QStringView text)
 {
+    out.reserve(out.size() + pieceCount(text, u','));
     forEachPiece(text, u',', [&out](QStringView part) { out.append(toFloat(part)); });
 }
 

@@ -113,12 +113,6 @@ private slots:
         QCOMPARE(doc->getTempPath(), tempRoot());
         QVERIFY(doc->getDocPath().isEmpty());
         QVERIFY(!doc->getLXResMgr());
-        int number = 42;
-        float real = 2.5f;
-        QVERIFY(doc->setLXDocAttribute(QStringLiteral("a"), 7) && doc->setLXDocAttribute(QStringLiteral("a"), 7.5f));
-        QVERIFY(doc->getLXDocAttribute(QStringLiteral("a"), number) && doc->getLXDocAttribute(QStringLiteral("a"), real));
-        QCOMPARE(number, 42);
-        QCOMPARE(real, 2.5f);
         QVERIFY(doc->init(tmp(QStringLiteral("given")), true));
         QVERIFY(!QFileInfo::exists(tmp(QStringLiteral("given"))) && !QFileInfo::exists(tempRoot()));
         QVERIFY(doc->init(QString(), false));
@@ -156,11 +150,11 @@ private slots:
 
         QVERIFY(doc->removeFolder(root, false));
         // Hidden files and links stay, and so does a subfolder holding one;
-        // a link to a folder is followed and the files behind it are gone.
+        // nothing behind a link is touched.
         QCOMPARE(entries(root), QStringList({".hidden", "c", "dirlink", "filelink"}));
         QCOMPARE(entries(root + QStringLiteral("/c")), QStringList(".hidden"));
         QVERIFY(QFileInfo::exists(outside + QStringLiteral("/kept.txt")));
-        QCOMPARE(entries(outside + QStringLiteral("/target")), QStringList());
+        QCOMPARE(entries(outside + QStringLiteral("/target")), QStringList("inside.txt"));
         QVERIFY(doc->removeFolder(root, true));
         QVERIFY(QFileInfo::exists(root));
         QVERIFY(!doc->removeFolder(QString(), true));
@@ -350,19 +344,6 @@ private slots:
             QCOMPARE(image.size(), QSize(100, 75));
             QCOMPARE(image.pixelColor(50, 40), QColor(Qt::red));
         }
-    }
-
-    void saveWithoutPackingWritesTheManifest()
-    {
-        ScopedDocument doc;
-        QVERIFY(doc->newFile(tmp(QStringLiteral("nopack")), true));
-        QVERIFY(writeFile(tmp(QStringLiteral("photo.png"))));
-        QString copy;
-        QVERIFY(doc->getLXResMgr()->addImageFile(tmp(QStringLiteral("photo.png")), copy));
-        const QString manifest = tmp(QStringLiteral("nopack/manifest.xml"));
-        QCOMPARE(manifestList(manifest, QStringLiteral("images")), QStringList());
-        QVERIFY(doc->saveFile(QString(), false));
-        QCOMPARE(manifestList(manifest, QStringLiteral("images")), QStringList("images/photo.png"));
     }
 
     void roundTripThroughTheArchive()

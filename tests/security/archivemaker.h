@@ -120,8 +120,8 @@ elif r == 'duplicate':
 elif r == 'file-and-folder':
     blob = zipped(LESSON + [('page1.svg/inner.txt', 'x')])
 elif r == 'bomb':
-    data, crc = bomb(1 << 30)
-    blob = raw_zip('images/zeros.bin', data, crc, 1 << 30)
+    data, crc = bomb(256 << 20)
+    blob = raw_zip('images/zeros.bin', data, crc, 256 << 20)
 elif r == 'lying-size':
     data, crc = bomb(64 << 20)
     blob = raw_zip('images/zeros.bin', data, crc, 10)

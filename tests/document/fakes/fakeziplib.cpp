@@ -7,17 +7,18 @@
 #include <cstdio>
 #include <cstdlib>
 
+#define FAKE_EXPORT extern "C" __attribute__((visibility("default")))
+
 namespace {
 
-void logCall(const char *call)
+bool logCall(const char *call, bool result = true)
 {
     const char *const path = std::getenv("FAKE_ZIPLIB_LOG");
-    if (!path)
-        return;
-    if (FILE *const log = std::fopen(path, "a")) {
+    if (FILE *const log = path ? std::fopen(path, "a") : nullptr) {
         std::fprintf(log, "%s\n", call);
         std::fclose(log);
     }
+    return result;
 }
 
 __attribute__((constructor)) void loaded()
@@ -35,26 +36,10 @@ class FailingTool final : public ArchiveTool {
 public:
     int toolVersion() const override { return 0; }
     QString lastError() const override { return QStringLiteral("fake failure"); }
-    bool finishArchive() override
-    {
-        logCall("finish");
-        return true;
-    }
-    bool beginArchive(QString, bool append) override
-    {
-        logCall(append ? "begin append" : "begin");
-        return true;
-    }
-    bool packFolder(QString, QString) override
-    {
-        logCall("pack");
-        return false;
-    }
-    bool unpackArchive(QString, QString) override
-    {
-        logCall("unpack");
-        return false;
-    }
+    bool finishArchive() override { return logCall("finish"); }
+    bool beginArchive(QString, bool append) override { return logCall(append ? "begin append" : "begin"); }
+    bool packFolder(QString, QString) override { return logCall("pack", false); }
+    bool unpackArchive(QString, QString) override { return logCall("unpack", false); }
     void releaseTool() override
     {
         logCall("release");
@@ -65,20 +50,20 @@ public:
 } // namespace
 
 #if defined(FAKE_CASE_NULL)
-extern "C" __attribute__((visibility("default"))) ArchiveTool *get_interface()
+FAKE_EXPORT ArchiveTool *get_interface()
 {
     logCall("get_interface");
     return nullptr;
 }
 #elif defined(FAKE_CASE_FAIL)
-extern "C" __attribute__((visibility("default"))) ArchiveTool *get_interface()
+FAKE_EXPORT ArchiveTool *get_interface()
 {
     logCall("get_interface");
     return new FailingTool;
 }
 #else
 // No entry point at all: a library of that name that is no archive plug-in.
-extern "C" __attribute__((visibility("default"))) ArchiveTool *create_tool()
+FAKE_EXPORT ArchiveTool *create_tool()
 {
     return new FailingTool;
 }
