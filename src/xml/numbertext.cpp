@@ -123,23 +123,27 @@ qsizetype pieceCount(QStringView text, char16_t sep)
     return count;
 }
 
-// Plain decimals of at most 15 digits ("-123.45"): the digits fit a double
+// Plain decimals of at most 15 digits ("-123.45") starting at i and ending
+// at a ',' or ' ' or the end, where i is left. The digits fit a double
 // exactly and so does the power of ten, so one division gives the correctly
-// rounded value, the same double from_chars and Qt produce.
-bool shortDecimal(QStringView text, double &value)
+// rounded double, the same from_chars and Qt produce, and that double is
+// then rounded to float as they do. Anything else is refused and read the
+// general way. The float is the output on purpose: GCC 12 at -O2 drops the
+// rounding of a double-to-float-to-double pair stored side by side.
+bool scanDecimal(QStringView text, qsizetype &i, float &value)
 {
     static const double powers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7,
                                     1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     const qsizetype size = text.size();
-    qsizetype i = 0;
-    const bool negative = size > 0 && text[0] == u'-';
+    const QChar *const data = text.data();
+    const bool negative = i < size && data[i] == u'-';
     if (negative)
         ++i;
     quint64 digits = 0;
     int count = 0;
     int fraction = -1;
     for (; i < size; ++i) {
-        const char16_t c = text[i].unicode();
+        const char16_t c = data[i].unicode();
         if (c >= u'0' && c <= u'9') {
             digits = digits * 10 + (c - u'0');
             ++count;
@@ -147,15 +151,37 @@ bool shortDecimal(QStringView text, double &value)
                 ++fraction;
         } else if (c == u'.' && fraction < 0 && count > 0) {
             fraction = 0;
+        } else if (c == u',' || c == u' ') {
+            break;
         } else {
             return false;
         }
     }
     if (count == 0 || count > 15 || fraction == 0)
         return false;
-    value = double(digits) / powers[fraction < 0 ? 0 : fraction];
-    if (negative)
-        value = -value;
+    const double exact = double(digits) / powers[fraction < 0 ? 0 : fraction];
+    value = float(negative ? -exact : exact);
+    return true;
+}
+
+bool shortDecimal(QStringView text, float &value)
+{
+    qsizetype i = 0;
+    return scanDecimal(text, i, value) && i == text.size();
+}
+
+// "x,y" up to a blank or the end in one pass; false sends the part the
+// general way (more fields, empty fields, exponents ...).
+bool scanPoint(QStringView text, qsizetype &i, QPointF &point)
+{
+    float x = 0;
+    float y = 0;
+    if (!scanDecimal(text, i, x) || i == text.size() || text[i] != u',')
+        return false;
+    ++i;
+    if (!scanDecimal(text, i, y) || (i < text.size() && text[i] != u' '))
+        return false;
+    point = QPointF(x, y);
     return true;
 }
 
@@ -175,14 +201,15 @@ int NumberText::toInt(QStringView text)
 
 float NumberText::toFloat(QStringView text)
 {
-    double value = 0;
+    float value = 0;
     if (shortDecimal(text, value))
-        return float(value);
+        return value;
     char buffer[maxPlainFloatChars + 1];
     int length = 0;
     if (plainFloatToChars(text, buffer, length)) {
-        std::from_chars(buffer, buffer + length, value);
-        return float(value);
+        double exact = 0;
+        std::from_chars(buffer, buffer + length, exact);
+        return float(exact);
     }
     return text.toString().toFloat();
 }
@@ -226,9 +253,20 @@ void NumberText::appendInt(QString &out, int value)
 void NumberText::appendPoints(QList<QPointF> &out, QStringView text)
 {
     out.reserve(out.size() + pieceCount(text, u' '));
-    forEachPiece(text, u' ', [&out](QStringView part) {
-        out.append(QPointF(toFloat(commaField(part, 0)), toFloat(commaField(part, 1))));
-    });
+    qsizetype start = 0;
+    for (;;) {
+        qsizetype end = start;
+        QPointF point;
+        if (!scanPoint(text, end, point)) {
+            end = findChar(text, start, u' ');
+            const QStringView part = text.mid(start, end - start);
+            point = QPointF(toFloat(commaField(part, 0)), toFloat(commaField(part, 1)));
+        }
+        out.append(point);
+        if (end == text.size())
+            return;
+        start = end + 1;
+    }
 }
 
 void NumberText::appendInts(QList<int> &out, QStringView text)
@@ -240,7 +278,20 @@ void NumberText::appendInts(QList<int> &out, QStringView text)
 void NumberText::appendFloats(QList<float> &out, QStringView text)
 {
     out.reserve(out.size() + pieceCount(text, u','));
-    forEachPiece(text, u',', [&out](QStringView part) { out.append(toFloat(part)); });
+    qsizetype start = 0;
+    for (;;) {
+        qsizetype end = start;
+        float value = 0;
+        if (scanDecimal(text, end, value) && (end == text.size() || text[end] == u',')) {
+            out.append(value);
+        } else {
+            end = findChar(text, start, u',');
+            out.append(toFloat(text.mid(start, end - start)));
+        }
+        if (end == text.size())
+            return;
+        start = end + 1;
+    }
 }
 
 QString NumberText::pointsText(const QList<QPointF> &points)

@@ -1,6 +1,7 @@
 // The command-line host, run as a user runs it: every case works on files in
 // a temporary folder and looks only at exit status, output and files.
 #include <QCryptographicHash>
+#include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -65,6 +66,41 @@ bool writeFile(const QString &path, const QByteArray &content)
     return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(content) == content.size();
 }
 
+// A minimal lesson written by hand: a manifest with the given lists and files.
+bool writeLesson(const QString &folder, const QMap<QString, QStringList> &lists, const QMap<QString, QByteArray> &files)
+{
+    QByteArray manifest = "<?xml version='1.0'?>\n<manifest identifier=\"lzn\" version=\"6.0.0\">\n";
+    for (auto it = lists.begin(); it != lists.end(); ++it) {
+        manifest += "<resource identifier=\"" + it.key().toUtf8() + "\">";
+        for (const QString &entry : it.value())
+            manifest += "<file href=\"" + entry.toUtf8() + "\"/>";
+        manifest += "</resource>\n";
+    }
+    manifest += "</manifest>\n";
+    const QDir root(folder);
+    if (!root.mkpath(QStringLiteral(".")) || !writeFile(root.filePath(QStringLiteral("manifest.xml")), manifest))
+        return false;
+    for (auto it = files.begin(); it != files.end(); ++it) {
+        if (!root.mkpath(QFileInfo(it.key()).path()) || !writeFile(root.filePath(it.key()), it.value()))
+            return false;
+    }
+    return true;
+}
+
+bool editManifest(const QString &path, const QString &damage)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    QByteArray text = file.readAll();
+    file.close();
+    if (damage == QLatin1String("outside"))
+        text.replace("\"images/sample-picture.png\"", "\"../secret.png\"");
+    else
+        text.replace("<file href=\"page1.svg\"", "<file href=\"page1.svg\"/><file href=\"page1.svg\"");
+    return writeFile(path, text);
+}
+
 QByteArray readFile(const QString &path)
 {
     QFile file(path);
@@ -83,9 +119,11 @@ private:
 
     QTemporaryDir m_dir;
     QString m_sample;
+    QStringList m_tempRootBefore;
 
 private slots:
     void initTestCase();
+    void cleanupTestCase();
     void demoWritesArchiveAndPages();
     void infoListsPagesAndResources();
     void dumpJsonParses();
@@ -94,9 +132,19 @@ private slots:
     void checkAcceptsSample();
     void checkFindsProblems_data();
     void checkFindsProblems();
+    void checkAcceptsCrossedLists();
     void renderDrawsKnownShapes();
+    void renderHandWrittenPage_data();
+    void renderHandWrittenPage();
+    void brokenPageIsNamed_data();
+    void brokenPageIsNamed();
+    void emptyLesson();
+    void archiveNamesAndConcurrentRuns();
+    void userArchiveIsLeftAlone();
+    void overviewHelp();
     void renderFitsIntoSizeAndWritesPdf();
     void packUnpackRoundTrip();
+    void packReplacesOlderArchive();
     void unpackRefusesNonEmptyFolder();
     void userFolderIsLeftAlone();
     void errorsAreOneLine_data();
@@ -130,10 +178,19 @@ void TestTool::initTestCase()
 {
     QVERIFY(m_dir.isValid());
     QVERIFY2(QFileInfo(toolPath()).isExecutable(), qPrintable(toolPath()));
+    m_tempRootBefore = QDir(QStringLiteral(LXDOC_BIN_DIR "/Temp")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
     // Without FILE the sample goes to the working folder as "sample.lzn".
     const Run demo = run({QStringLiteral("demo")});
     QVERIFY2(demo.status == 0, qPrintable(demo.err));
     m_sample = path(QStringLiteral("sample.lzn"));
+}
+
+void TestTool::cleanupTestCase()
+{
+    // Every document the tool opened worked on a private copy and was
+    // released: nothing is left in the library's shared temp root.
+    QCOMPARE(QDir(QStringLiteral(LXDOC_BIN_DIR "/Temp")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+             m_tempRootBefore);
 }
 
 void TestTool::demoWritesArchiveAndPages()
@@ -253,6 +310,9 @@ void TestTool::checkFindsProblems_data()
     QTest::newRow("corrupt record") << "corrupt-record" << "page3.mtrec: not well-formed XML";
     QTest::newRow("missing resource") << "missing-resource" << "images/sample-picture.png: listed in 'images' but missing";
     QTest::newRow("unlisted resource") << "unlisted-resource" << "sounds/bell.wav: present but not listed in the manifest";
+    QTest::newRow("wrong page root") << "wrong-root" << "page2.svg: the root element is <html>, expected <svg>";
+    QTest::newRow("page listed twice") << "duplicate-page" << "manifest.xml: 'page1.svg' is listed more than once in 'pages'";
+    QTest::newRow("entry outside") << "outside" << "../secret.png: points outside the lesson (listed in 'images')";
     QTest::newRow("broken manifest") << "broken-manifest" << "manifest.xml: not well-formed XML";
     QTest::newRow("no manifest") << "no-manifest" << "not a lesson folder";
 }
@@ -278,6 +338,10 @@ void TestTool::checkFindsProblems()
             QVERIFY(QFile::remove(folder.filePath(QStringLiteral("images/sample-picture.png"))));
         else if (damage == QLatin1String("unlisted-resource"))
             QVERIFY(writeFile(folder.filePath(QStringLiteral("sounds/bell.wav")), "RIFF"));
+        else if (damage == QLatin1String("wrong-root"))
+            QVERIFY(writeFile(folder.filePath(QStringLiteral("page2.svg")), "<html/>"));
+        else if (damage == QLatin1String("duplicate-page") || damage == QLatin1String("outside"))
+            QVERIFY(editManifest(folder.filePath(QStringLiteral("manifest.xml")), damage));
         else if (damage == QLatin1String("broken-manifest"))
             QVERIFY(writeFile(folder.filePath(QStringLiteral("manifest.xml")), "<manifest><resource>"));
         else if (damage == QLatin1String("no-manifest"))
@@ -288,11 +352,164 @@ void TestTool::checkFindsProblems()
     QVERIFY2((check.out + check.err).contains(finding), qPrintable(check.out + check.err));
 }
 
+void TestTool::checkAcceptsCrossedLists()
+{
+    // The document lists attachments under "fillblocks" too, and keeps
+    // flashes in the folder "flash": neither is a problem.
+    const QString lesson = path(QStringLiteral("crossed"));
+    QVERIFY(writeLesson(lesson,
+                        {{QStringLiteral("pages"), {}}, {QStringLiteral("records"), {}},
+                         {QStringLiteral("fillblocks"), {QStringLiteral("attachments/notes.txt"), QStringLiteral("fillblocks/quiz.xml")}},
+                         {QStringLiteral("attachments"), {QStringLiteral("attachments/notes.txt")}},
+                         {QStringLiteral("flashes"), {QStringLiteral("flash/movie.swf")}}},
+                        {{QStringLiteral("attachments/notes.txt"), "notes"}, {QStringLiteral("fillblocks/quiz.xml"), "<quiz/>"},
+                         {QStringLiteral("flash/movie.swf"), "FWS"}}));
+    const Run check = run({QStringLiteral("check"), lesson});
+    QVERIFY2(check.status == 0, qPrintable(check.out));
+}
+
+void TestTool::renderHandWrittenPage_data()
+{
+    QTest::addColumn<QByteArray>("page");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QPoint>("pixel");
+    QTest::addColumn<QString>("colour");
+    const QByteArray grid = "<svg width=\"400\" height=\"300\"><rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>"
+                            "<grid grid-horizontal=\"50\" grid-vertical=\"50\" stroke=\"#000000\" opacity=\"1\" stroke-width=\"4\"/>"
+                            "<g class=\"foreground\"><rect x=\"0\" y=\"0\" width=\"120\" height=\"300\" fill=\"#00ff00\"/></g></svg>";
+    const QByteArray frame = "<svg width=\"400\" height=\"300\"><g class=\"foreground\"><g bound=\"100.00,100.00, 200.00,100.00\" "
+                             "transform=\"translate(100.00,100.00)\"><rect width=\"100%\" height=\"100%\" fill=\"#ffff00\"/></g></g></svg>";
+    QTest::newRow("default size, percent background")
+        << QByteArray("<svg><rect x=\"0\" y=\"0\" width=\"100%\" height=\"100%\" fill=\"#ff0000\"/></svg>")
+        << QSize(1024, 768) << QPoint(1000, 700) << "#ff0000";
+    QTest::newRow("size without viewBox")
+        << QByteArray("<svg width=\"400\" height=\"300\"><g class=\"foreground\"><rect x=\"100\" y=\"100\" width=\"50\" "
+                      "height=\"50\" fill=\"#0000ff\"/></g></svg>")
+        << QSize(400, 300) << QPoint(120, 120) << "#0000ff";
+    QTest::newRow("grid line") << grid << QSize(400, 300) << QPoint(250, 10) << "#000000";
+    QTest::newRow("grid under objects") << grid << QSize(400, 300) << QPoint(50, 10) << "#00ff00";
+    QTest::newRow("frame fills its bound") << frame << QSize(400, 300) << QPoint(290, 190) << "#ffff00";
+    QTest::newRow("frame stops at its bound") << frame << QSize(400, 300) << QPoint(310, 150) << "#ffffff";
+    QTest::newRow("picture without xlink declaration")
+        << QByteArray("<svg width=\"400\" height=\"300\"><g class=\"foreground\"><image x=\"0\" y=\"0\" width=\"100\" "
+                      "height=\"100\" xlink:href=\"images/p.png\"/></g></svg>")
+        << QSize(400, 300) << QPoint(50, 50) << "#123456";
+    QTest::newRow("foreign markup ignored")
+        << QByteArray("<svg width=\"400\" height=\"300\" xmlns:ed=\"urn:editor\" ed:mode=\"1\"><ed:thing/><g class=\"foreground\">"
+                      "<rect width=\"100\" height=\"100\" fill=\"#ff00ff\" ed:note=\"2\"/></g></svg>")
+        << QSize(400, 300) << QPoint(50, 50) << "#ff00ff";
+}
+
+void TestTool::renderHandWrittenPage()
+{
+    QFETCH(QByteArray, page);
+    QFETCH(QSize, size);
+    QFETCH(QPoint, pixel);
+    QFETCH(QString, colour);
+    const QString lesson = path(QStringLiteral("hand-") + QString::fromLatin1(QTest::currentDataTag()).replace(QLatin1Char(' '), QLatin1Char('-')));
+    QImage picture(20, 20, QImage::Format_RGB32);
+    picture.fill(QColor(0x12, 0x34, 0x56));
+    QVERIFY(writeLesson(lesson, {{QStringLiteral("pages"), {QStringLiteral("page1.svg")}}, {QStringLiteral("images"), {QStringLiteral("images/p.png")}}},
+                        {{QStringLiteral("page1.svg"), page}}));
+    QVERIFY(QDir(lesson).mkpath(QStringLiteral("images")));
+    QVERIFY(picture.save(QDir(lesson).filePath(QStringLiteral("images/p.png"))));
+    const Run render = run({QStringLiteral("render"), lesson, lesson + QStringLiteral("-out")});
+    QVERIFY2(render.status == 0, qPrintable(render.err));
+    const QImage image(lesson + QStringLiteral("-out/page-1.png"));
+    QCOMPARE(image.size(), size);
+    QCOMPARE(image.pixelColor(pixel).name(), colour);
+}
+
+void TestTool::brokenPageIsNamed_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("info") << "info" << 0 << "page 1: cannot be read (page1.svg)";
+    QTest::newRow("dump") << "dump" << 1 << "lxdoc: cannot dump '";
+    QTest::newRow("render") << "render" << 1 << "lxdoc: cannot render: page 1 cannot be read";
+}
+
+void TestTool::brokenPageIsNamed()
+{
+    QFETCH(QString, command);
+    QFETCH(int, status);
+    QFETCH(QString, message);
+    const QString lesson = path(QStringLiteral("broken-page"));
+    QVERIFY(writeLesson(lesson, {{QStringLiteral("pages"), {QStringLiteral("page1.svg")}}},
+                        {{QStringLiteral("page1.svg"), "<svg><g></svg>"}}));
+    QStringList arguments{command, lesson};
+    if (command == QLatin1String("render"))
+        arguments << path(QStringLiteral("broken-out"));
+    const Run result = run(arguments);
+    QCOMPARE(result.status, status);
+    QVERIFY2((result.out + result.err).contains(message), qPrintable(result.out + result.err));
+}
+
+void TestTool::emptyLesson()
+{
+    const QString lesson = path(QStringLiteral("empty"));
+    QVERIFY(writeLesson(lesson, {{QStringLiteral("pages"), {}}, {QStringLiteral("records"), {}}}, {}));
+    const Run info = run({QStringLiteral("info"), lesson});
+    QCOMPARE(info.status, 0);
+    QVERIFY(info.out.startsWith(QLatin1String("lesson ")));
+    QVERIFY(info.out.contains(QLatin1String(": 0 pages")));
+    QVERIFY(info.out.contains(QLatin1String("resources: 0 files")));
+    QCOMPARE(run({QStringLiteral("render"), lesson, path(QStringLiteral("empty-out"))}).status, 0);
+    const Run pdf = run({QStringLiteral("render"), lesson, path(QStringLiteral("empty-out")), QStringLiteral("--pdf"), path(QStringLiteral("empty.pdf"))});
+    QVERIFY(pdf.status != 0);
+    QVERIFY(pdf.err.contains(QLatin1String("the lesson has no pages")));
+    QVERIFY(!QFile::exists(path(QStringLiteral("empty.pdf"))));
+}
+
+void TestTool::archiveNamesAndConcurrentRuns()
+{
+    const QString upper = path(QStringLiteral("LESSON.LZN"));
+    const QString resitem = path(QStringLiteral("lesson.resitem"));
+    QVERIFY(QFile::copy(m_sample, upper));
+    QVERIFY(QFile::copy(m_sample, resitem));
+    const QString expected = run({QStringLiteral("info"), m_sample}).out.section(QLatin1Char('\n'), 1);
+    QCOMPARE(run({QStringLiteral("info"), upper}).out.section(QLatin1Char('\n'), 1), expected);
+    // Runs on the same archive at once must not share a working folder.
+    QProcess first;
+    QProcess second;
+    first.start(toolPath(), {QStringLiteral("info"), resitem});
+    second.start(toolPath(), {QStringLiteral("info"), resitem});
+    QVERIFY(first.waitForFinished(60000) && second.waitForFinished(60000));
+    QCOMPARE(first.exitCode(), 0);
+    QCOMPARE(second.exitCode(), 0);
+    QCOMPARE(QString::fromUtf8(first.readAllStandardOutput()).section(QLatin1Char('\n'), 1), expected);
+    QCOMPARE(QString::fromUtf8(second.readAllStandardOutput()).section(QLatin1Char('\n'), 1), expected);
+}
+
+void TestTool::userArchiveIsLeftAlone()
+{
+    const QByteArray before = readFile(m_sample);
+    const QDateTime modified = QFileInfo(m_sample).lastModified();
+    for (const QString &command : {QStringLiteral("info"), QStringLiteral("check"), QStringLiteral("dump")})
+        QCOMPARE(run({command, m_sample}).status, 0);
+    QCOMPARE(readFile(m_sample), before);
+    QCOMPARE(QFileInfo(m_sample).lastModified(), modified);
+}
+
+void TestTool::overviewHelp()
+{
+    const Run bare = run({});
+    QCOMPARE(bare.status, 2);
+    for (const char *command : {"demo", "info", "dump", "check", "render", "pack", "unpack"})
+        QVERIFY(bare.out.contains(QStringLiteral("  %1 ").arg(QLatin1String(command))));
+    const Run help = run({QStringLiteral("help"), QStringLiteral("render")});
+    QCOMPARE(help.status, 0);
+    QVERIFY(help.out.contains(QLatin1String("--pdf")));
+}
+
 void TestTool::renderDrawsKnownShapes()
 {
     const QString out = path(QStringLiteral("rendered"));
     const Run render = run({QStringLiteral("render"), m_sample, out});
     QVERIFY2(render.status == 0, qPrintable(render.err));
+    // Not a terminal: no progress, and no Qt or library chatter either.
+    QVERIFY2(render.err.isEmpty(), qPrintable(render.err));
     for (int page = 1; page <= 3; ++page) {
         const QImage image(QDir(out).filePath(QStringLiteral("page-%1.png").arg(page)));
         QVERIFY(!image.isNull());
@@ -348,6 +565,22 @@ void TestTool::packUnpackRoundTrip()
     QVERIFY(!QFile::exists(path(QStringLiteral("x.lzn"))));
 }
 
+void TestTool::packReplacesOlderArchive()
+{
+    const QString folder = unpackSample(QStringLiteral("to-pack"));
+    QVERIFY(!folder.isEmpty());
+    const QString target = path(QStringLiteral("older.lzn"));
+    QVERIFY(writeFile(target, "an older, broken archive"));
+    QCOMPARE(run({QStringLiteral("pack"), folder, target}).status, 0);
+    QVERIFY(!QFile::exists(target + QStringLiteral(".part")));
+    QCOMPARE(run({QStringLiteral("check"), target}).status, 0);
+
+    // A failed pack leaves the older archive as it was.
+    const QByteArray packed = readFile(target);
+    QVERIFY(run({QStringLiteral("pack"), path(QStringLiteral("no-such-folder")), target}).status != 0);
+    QCOMPARE(readFile(target), packed);
+}
+
 void TestTool::unpackRefusesNonEmptyFolder()
 {
     const QString folder = path(QStringLiteral("occupied"));
@@ -386,6 +619,8 @@ void TestTool::errorsAreOneLine_data()
     QTest::newRow("other file") << QStringList{"info", "notes.txt"} << 1 << "lxdoc: cannot open 'notes.txt': not a lesson archive";
     QTest::newRow("corrupt archive") << QStringList{"dump", "garbage.lzn"} << 1 << "lxdoc: cannot open 'garbage.lzn': not a lesson archive";
     QTest::newRow("unwritable folder") << QStringList{"render", "sample.lzn", "notes.txt/out"} << 1 << "lxdoc: cannot render: cannot write to the folder";
+    QTest::newRow("demo into a missing folder") << QStringList{"demo", "no-such-folder/x.lzn"} << 1 << "lxdoc: cannot create 'no-such-folder/x.lzn': cannot write to the folder";
+    QTest::newRow("page zero") << QStringList{"dump", "sample.lzn", "--page", "0"} << 2 << "lxdoc: dump: --page takes a page number";
     QTest::newRow("unknown command") << QStringList{"shrink"} << 2 << "lxdoc: unknown command 'shrink'";
     QTest::newRow("missing argument") << QStringList{"info"} << 2 << "lxdoc: info: expected 1 argument(s), got 0";
     QTest::newRow("unknown option") << QStringList{"check", "--fast", "sample.lzn"} << 2 << "lxdoc: check: Unknown option 'fast'.";

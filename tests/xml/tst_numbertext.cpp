@@ -242,6 +242,10 @@ void TestNumberText::points_data()
     QTest::newRow("garbage") << "a,b c" << 2;
     QTest::newRow("negative") << "-1.25,-0.00 -3,4" << 2;
     QTest::newRow("tab is no separator") << "1,2\t3,4" << 1;
+    // Values a float cannot hold: each coordinate is rounded to float.
+    QTest::newRow("inexact") << "4195.12414,-13.57 0.1,1024.33" << 2;
+    QTest::newRow("sixteen digits") << "1234567890.123456,0.0000000000000001" << 1;
+    QTest::newRow("exponent") << "1e3,2.5E-1" << 1;
 }
 
 void TestNumberText::points()

@@ -31,7 +31,7 @@ int CommandLine::parse(const QStringList &arguments)
 {
     if (!m_parser.parse(arguments))
         return Console::fail(QStringLiteral("%1: %2 (see 'lxdoc %1 --help')").arg(m_command, m_parser.errorText()), ExitUsage);
-    if (m_parser.isSet(QStringLiteral("help"))) {
+    if (m_parser.isSet(QStringLiteral("help")) || m_parser.optionNames().contains(QStringLiteral("help-all"))) {
         QTextStream(stdout) << m_parser.helpText();
         return ExitOk;
     }

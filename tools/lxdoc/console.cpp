@@ -10,15 +10,22 @@ namespace {
 
 bool g_progressShown = false;
 
+QTextStream &makeUtf8(QTextStream &stream)
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    // Qt 5 streams write in the locale's encoding; lesson titles are UTF-8.
+    stream.setCodec("UTF-8");
+#endif
+    return stream;
+}
+
 QTextStream &stream(FILE *file)
 {
     static QTextStream outStream(stdout);
     static QTextStream errStream(stderr);
-    QTextStream &result = file == stdout ? outStream : errStream;
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-    result.setCodec("UTF-8");
-#endif
-    return result;
+    static QTextStream &out = makeUtf8(outStream);
+    static QTextStream &err = makeUtf8(errStream);
+    return file == stdout ? out : err;
 }
 
 void filterMessage(QtMsgType type, const QMessageLogContext &, const QString &message)

@@ -42,9 +42,9 @@ QString LessonInfo::pageLine(int index) const
     const Handle<ILXRecordPage> record = m_pages.record(id);
     const QString recorded = record ? plural(LessonPages::countCommands(record.get()), "command")
                                     : QStringLiteral("no recording");
-    return QStringLiteral("  page %1  id %2  %3  %4x%5  %6  %7")
-        .arg(index + 1).arg(id).arg(QStringLiteral("\"%1\"").arg(title), -20)
-        .arg(size.width()).arg(size.height())
+    const QString dimensions = QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
+    return QStringLiteral("  page %1  id %2  %3  %4  %5  %6")
+        .arg(index + 1).arg(id).arg(QStringLiteral("\"%1\"").arg(title), -20).arg(dimensions, -9)
         .arg(plural(LessonPages::countObjects(page.get()), "object"), recorded);
 }
 
