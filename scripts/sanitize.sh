@@ -21,7 +21,11 @@ cmake --build "$asan" -j "$jobs"
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:strict_string_checks=1:detect_stack_use_after_return=1
 export LSAN_OPTIONS=suppressions=$root/scripts/lsan.supp:print_suppressions=0
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
-ctest --test-dir "$asan" --output-on-failure -j "$jobs"
+ctest --test-dir "$asan" --output-on-failure -j "$jobs" -E '^tst_tool$'
+# LeakSanitizer's own tracer crashes at exit of a process that has written a
+# PDF through Qt (a thread Qt leaves behind); the tool's test therefore runs
+# with address and undefined-behaviour checks but without the leak scan.
+ASAN_OPTIONS=$ASAN_OPTIONS:detect_leaks=0 ctest --test-dir "$asan" --output-on-failure -R '^tst_tool$'
 
 if [ ! -f "$plain/build.ninja" ]; then
     cmake -S . -B "$plain" -G Ninja -DLXDOC_WERROR=ON

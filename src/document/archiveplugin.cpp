@@ -10,15 +10,19 @@ ArchivePlugin::ArchivePlugin()
     const QByteArray path = (QCoreApplication::applicationDirPath() + QLatin1String("/ziplib.so")).toUtf8();
     m_handle = dlopen(path.constData(), RTLD_LAZY);
     if (!m_handle) {
-        qWarning("create ziplib: dlopen(): %s\n", dlerror());
+        const char *reason = dlerror();
+        qWarning("create ziplib: dlopen(): %s\n", reason);
+        m_error = QStringLiteral("cannot load the archive plug-in: %1").arg(QString::fromLocal8Bit(reason));
         return;
     }
     // A library without the entry point is no archive plug-in: unusable,
     // like one whose entry point gives no tool.
     const auto factory = reinterpret_cast<ArchiveToolFactory>(dlsym(m_handle, "get_interface"));
     m_tool = factory ? factory() : nullptr;
-    if (!m_tool)
+    if (!m_tool) {
+        m_error = QStringLiteral("the archive plug-in '%1' gives no archive tool").arg(QString::fromUtf8(path));
         unload();
+    }
 }
 
 ArchivePlugin::~ArchivePlugin()
@@ -32,6 +36,11 @@ ArchivePlugin::~ArchivePlugin()
 ArchiveTool *ArchivePlugin::tool() const
 {
     return m_tool;
+}
+
+QString ArchivePlugin::errorString() const
+{
+    return m_error;
 }
 
 void ArchivePlugin::unload()

@@ -3,6 +3,8 @@
 
 #include "document/archivetool.h"
 
+#include <QString>
+
 // One use of the "ziplib.so" plug-in beside the executable: loaded on
 // construction, its tool released and the library unloaded on destruction.
 // Nothing is kept between uses, so every pack or unpack loads it afresh.
@@ -13,14 +15,17 @@ public:
     ArchivePlugin(const ArchivePlugin &) = delete;
     ArchivePlugin &operator=(const ArchivePlugin &) = delete;
 
-    // Null when the plug-in could not be loaded or gave no tool.
+    // Null when the plug-in could not be loaded or gave no tool; then
+    // errorString() says why.
     ArchiveTool *tool() const;
+    QString errorString() const;
 
 private:
     void unload();
 
     void *m_handle = nullptr;
     ArchiveTool *m_tool = nullptr;
+    QString m_error;
 };
 
 #endif

@@ -4,6 +4,7 @@
 #include <QDomDocumentType>
 #include <QDomElement>
 #include <QDomNamedNodeMap>
+#include <QSet>
 #include <QStringList>
 #include <QVector>
 
@@ -189,13 +190,24 @@ void DomWriter::writeElement(const QDomElement &element, int depth)
         QStringList declaredPrefixes;
         // The buffer is reused: attributes are written before any child.
         sortAttributes(map, m_attributes);
+        QSet<QString> writtenNames;
         for (const QDomAttr &attribute : std::as_const(m_attributes)) {
+            const qsizetype start = m_out.size();
             m_out += u' ';
             const QString attributeUri = attribute.namespaceURI();
-            if (!attributeUri.isNull())
-                writeRaw(attribute.prefix() + u':' + attribute.localName());
-            else
-                writeRaw(attribute.name());
+            const QString attributeName = attributeUri.isNull()
+                ? attribute.name() : attribute.prefix() + u':' + attribute.localName();
+            writeRaw(attributeName);
+            // A name holding characters XML cannot carry was never a name: with
+            // them left out it may clash with another ("x\v2" and "x2") or end
+            // in ':', and the whole file would no longer read. Such an
+            // attribute is dropped, as are repeats.
+            const QString writtenName = m_out.mid(start + 1);
+            if (writtenName != attributeName || writtenName.isEmpty() || writtenNames.contains(writtenName)) {
+                m_out.truncate(start);
+                continue;
+            }
+            writtenNames.insert(writtenName);
             m_out += QLatin1String("=\"");
             writeEscaped(attribute.value(), true, true);
             m_out += u'"';

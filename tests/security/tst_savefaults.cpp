@@ -69,9 +69,23 @@ struct PackResult {
     QString output;
 };
 
+// The tool packs inside a temporary folder first; a killed tool leaves that
+// folder behind, so each test points TMPDIR into its own folder to see them.
+QString toolTemp;
+
+void useToolTemp(QProcess &process)
+{
+    if (toolTemp.isEmpty())
+        return;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("TMPDIR"), toolTemp);
+    process.setProcessEnvironment(environment);
+}
+
 PackResult runTool(const QStringList &arguments, int timeoutMs = 120000)
 {
     QProcess process;
+    useToolTemp(process);
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(lxdoc, arguments);
     PackResult result;
@@ -93,12 +107,30 @@ QByteArray unpackedVersion(const QString &archive)
     return version.open(QIODevice::ReadOnly) ? version.readAll() : QByteArray();
 }
 
-bool unzipTests(const QString &archive)
+// Empty when unzip finds the archive whole (or unzip is not installed);
+// otherwise what it said, for the failure message.
+QString unzipProblem(const QString &archive)
 {
     const QString unzip = QStandardPaths::findExecutable(QStringLiteral("unzip"));
     if (unzip.isEmpty())
-        return true;
-    return QProcess::execute(unzip, {QStringLiteral("-tqq"), archive}) == 0;
+        return QString();
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(unzip, {QStringLiteral("-tqq"), archive});
+    if (process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
+        return QString();
+    const QStringList here = QDir(QFileInfo(archive).absolutePath()).entryList(QDir::AllEntries | QDir::Hidden
+                                                                                 | QDir::NoDotAndDotDot);
+    return QStringLiteral("unzip: %1 [folder: %2]")
+        .arg(QString::fromLocal8Bit(process.readAll()).trimmed(), here.join(QStringLiteral(", ")));
+}
+
+bool unzipTests(const QString &archive)
+{
+    const QString problem = unzipProblem(archive);
+    if (!problem.isEmpty())
+        qWarning("%s", qPrintable(problem));
+    return problem.isEmpty();
 }
 
 QStringList strayFiles(const QString &folder, const QString &archive)
@@ -251,6 +283,8 @@ void TestSaveFaults::packOnFullDisk()
         QSKIP("the lxdoc tool is not built");
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
+    toolTemp = dir.path() + QStringLiteral("/tmp");
+    QVERIFY(QDir().mkpath(toolTemp));
     const QString small = dir.path() + QStringLiteral("/small");
     const QString large = dir.path() + QStringLiteral("/large");
     makeLesson(small, 64, "small");
@@ -281,6 +315,7 @@ void TestSaveFaults::packOnFullDisk()
         // The shell sets the limit for the tool alone; SIGXFSZ is ignored so the
         // tool sees EFBIG and fails cleanly instead of being killed.
         QProcess shell;
+        useToolTemp(shell);
         shell.setProcessChannelMode(QProcess::MergedChannels);
         shell.start(QStringLiteral("bash"), {QStringLiteral("-c"), QStringLiteral("trap '' XFSZ; ulimit -f 1024; exec \"$0\" pack \"$1\" \"$2\""),
                                              lxdoc, large, archive});
@@ -309,6 +344,8 @@ void TestSaveFaults::killedWhilePacking()
         QSKIP("the lxdoc tool is not built");
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
+    toolTemp = dir.path() + QStringLiteral("/tmp");
+    QVERIFY(QDir().mkpath(toolTemp));
     const QString lesson = dir.path() + QStringLiteral("/lesson");
     const QString shelf = dir.path() + QStringLiteral("/shelf");
     QVERIFY(QDir().mkpath(shelf));
@@ -330,13 +367,16 @@ void TestSaveFaults::killedWhilePacking()
         const QByteArray next = QByteArray::number(trial);
         writeFile(lesson + QStringLiteral("/version.txt"), next);
         QProcess process;
+        useToolTemp(process);
         process.start(lxdoc, {QStringLiteral("pack"), lesson, archive});
         QVERIFY(process.waitForStarted());
         QThread::msleep(random.bounded(quint32(packMs * 5 / 4)));
         process.kill();
         QVERIFY(process.waitForFinished(30000));
 
-        QVERIFY2(unzipTests(archive), qPrintable(QStringLiteral("trial %1 left a broken archive").arg(trial)));
+        const QString problem = unzipProblem(archive);
+        QVERIFY2(problem.isEmpty(),
+                 qPrintable(QStringLiteral("trial %1 left a broken archive: %2").arg(trial).arg(problem)));
         const QByteArray found = unpackedVersion(archive);
         QVERIFY2(found == current || found == next,
                  qPrintable(QStringLiteral("trial %1: archive holds version \"%2\"").arg(trial).arg(QString::fromLatin1(found))));
@@ -348,9 +388,11 @@ void TestSaveFaults::killedWhilePacking()
         }
     }
     const QStringList stray = strayFiles(shelf, archive);
+    const QStringList staleTemp = QDir(toolTemp).entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
     qInfo("%d kills: %d left the previous archive, %d came after the new one was in place; "
-          "%d temporary files left: %s",
-          trials, kept, replaced, int(stray.size()), qPrintable(stray.join(QStringLiteral(", "))));
+          "%d temporary files left beside the archive (%s), %d temporary folders of the tool",
+          trials, kept, replaced, int(stray.size()), qPrintable(stray.join(QStringLiteral(", "))),
+          int(staleTemp.size()));
     // Kills must land on both sides of the rename, or the trials proved little.
     QVERIFY(kept > 0);
 

@@ -1,6 +1,6 @@
 #include "archivecommands.h"
 
-#include "archiveplugin.h"
+#include "archivesession.h"
 #include "commandline.h"
 #include "console.h"
 #include "filetree.h"
@@ -39,7 +39,7 @@ int ArchiveCommands::packFolder(const QString &folder, const QString &archive)
     if (!temp.isValid())
         return Console::fail(failure.arg(folder, QStringLiteral("cannot make a temporary folder")));
     const QString packed = temp.filePath(QStringLiteral("packed.lzn"));
-    ArchivePlugin plugin;
+    ArchiveSession plugin;
     if (!plugin.isLoaded() || !plugin.pack(QFileInfo(folder).absoluteFilePath(), packed))
         return Console::fail(failure.arg(folder, plugin.errorString()));
     QString reason;

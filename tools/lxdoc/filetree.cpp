@@ -5,7 +5,22 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
+
+// The new archive's data must be on disk before its name replaces the old one.
+bool syncToDisk(const QString &path)
+{
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    const bool synced = ::fsync(fd) == 0;
+    ::close(fd);
+    return synced;
+}
 
 const QDir::Filters kEntries = QDir::AllEntries | QDir::NoDotAndDotDot | QDir::NoSymLinks | QDir::Hidden;
 
@@ -77,17 +92,17 @@ bool FileTree::publish(const QString &source, const QString &target, QString *er
 {
     const QString partial = target + QStringLiteral(".part");
     QFile::remove(partial);
-    if (!QFile::copy(source, partial)) {
+    if (!QFile::copy(source, partial) || !syncToDisk(partial)) {
+        QFile::remove(partial);
         *error = QStringLiteral("cannot write '%1'").arg(target);
         return false;
     }
-    if (QFile::exists(target) && !QFile::remove(target)) {
-        QFile::remove(partial);
-        *error = QStringLiteral("cannot replace '%1'").arg(target);
-        return false;
-    }
-    if (QFile::rename(partial, target))
+    // rename(2) swaps the old archive for the new one in a single step, so a
+    // kill or crash at any moment leaves one of them whole; removing the old
+    // one first would leave nothing between the two calls.
+    if (::rename(QFile::encodeName(partial).constData(), QFile::encodeName(target).constData()) == 0)
         return true;
-    *error = QStringLiteral("cannot write '%1'").arg(target);
+    QFile::remove(partial);
+    *error = QStringLiteral("cannot replace '%1'").arg(target);
     return false;
 }

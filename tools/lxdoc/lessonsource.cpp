@@ -1,6 +1,6 @@
 #include "lessonsource.h"
 
-#include "archiveplugin.h"
+#include "archivesession.h"
 #include "filetree.h"
 
 #include <QDir>
@@ -84,7 +84,7 @@ bool LessonSource::makeTemporaryFolder()
 
 bool LessonSource::unpackArchive()
 {
-    ArchivePlugin plugin;
+    ArchiveSession plugin;
     if (!plugin.isLoaded())
         return fail(plugin.errorString());
     if (!plugin.unpack(QFileInfo(m_path).absoluteFilePath(), m_folder))
