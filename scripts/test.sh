@@ -14,4 +14,5 @@ build_and_test() {
 }
 
 build_and_test build/qt6 -DQT_MAJOR_VERSION=6
+LXDOC_PLAIN_BUILD=build/qt6 scripts/sanitize.sh
 build_and_test build/qt5 -DQT_MAJOR_VERSION=5
