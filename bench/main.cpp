@@ -2,6 +2,7 @@
 // Info-ZIP and plain QDom on the same files. See bench/README.md.
 
 #include "measurements.h"
+#include "strokescaling.h"
 
 #include <QCommandLineParser>
 #include <QGuiApplication>
@@ -51,6 +52,7 @@ int main(int argc, char *argv[])
          QStringLiteral("5")},
         {QStringLiteral("smoke"), QStringLiteral("A tiny lesson and one run, for CTest.")},
         {QStringLiteral("no-growth"), QStringLiteral("Leave out the growth table.")},
+        {QStringLiteral("strokes-only"), QStringLiteral("Only the stroke length table.")},
     });
     QCommandLineOption walk(QStringLiteral("measure-walk"), QString(), QStringLiteral("archive"));
     QCommandLineOption walkMode(QStringLiteral("walk-mode"), QString(), QStringLiteral("mode"));
@@ -67,5 +69,8 @@ int main(int argc, char *argv[])
 
     QTextStream out(stdout);
     Measurements measurements(parseOptions(parser));
-    return measurements.run(out) ? 0 : 1;
+    if (!parser.isSet(QStringLiteral("strokes-only")) && !measurements.run(out))
+        return 1;
+    out << '\n';
+    return StrokeScaling(parser.isSet(QStringLiteral("smoke"))).run(out) ? 0 : 1;
 }
