@@ -4,17 +4,15 @@
 // Reads "manifest.xml" as written on disk, independently of QManifest, so the
 // tests check the file and not the class's in-memory lists.
 
+#include "testsupport.h"
+
 #include <QDomDocument>
-#include <QFile>
 #include <QStringList>
 
 inline QDomElement manifestRoot(const QString &path)
 {
-    QFile file(path);
     QDomDocument document;
-    if (!file.open(QIODevice::ReadOnly) || !document.setContent(&file))
-        return QDomElement();
-    return document.documentElement();
+    return document.setContent(readBytes(path)) ? document.documentElement() : QDomElement();
 }
 
 // The hrefs of the "resource" element with the identifier; a missing element
@@ -22,16 +20,16 @@ inline QDomElement manifestRoot(const QString &path)
 inline QStringList manifestList(const QString &path, const QString &identifier)
 {
     const QDomElement root = manifestRoot(path);
-    for (QDomElement resource = root.firstChildElement(QStringLiteral("resource")); !resource.isNull();
-         resource = resource.nextSiblingElement(QStringLiteral("resource"))) {
-        if (resource.attribute(QStringLiteral("identifier")) != identifier)
+    for (QDomElement resource = root.firstChildElement("resource"); !resource.isNull();
+         resource = resource.nextSiblingElement("resource")) {
+        if (resource.attribute("identifier") != identifier)
             continue;
         QStringList hrefs;
         for (QDomElement file = resource.firstChildElement(); !file.isNull(); file = file.nextSiblingElement())
-            hrefs << file.attribute(QStringLiteral("href"));
+            hrefs << file.attribute("href");
         return hrefs;
     }
-    return QStringList(QStringLiteral("<missing>"));
+    return QStringList("<missing>");
 }
 
 #endif

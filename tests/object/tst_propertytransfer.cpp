@@ -4,6 +4,8 @@
 
 namespace {
 enum Codec { Join, Cap, Marker, Format, Dash };
+const char *const codecNames[] = {"join", "cap", "marker", "format", "dash"};
+const char *const directionNames[] = {"write", "read", "both"};
 enum Direction { ToText, FromText, Both };
 
 // Writes value (dash: style, pen width 3) to text through the codec under test.
@@ -42,130 +44,95 @@ class TestPropertyTransfer : public QObject {
     Q_OBJECT
 
 private slots:
-    void codecs_data();
-    void codecs();
-    void transformWrite();
-    void transformRead_data();
-    void transformRead();
+    void codecs_data()
+    {
+        QTest::addColumn<int>("codec");
+        QTest::addColumn<int>("direction");
+        QTest::addColumn<int>("value");
+        QTest::addColumn<QString>("text");
+        const auto rows = [](Codec c, Direction d, std::initializer_list<std::pair<int, QString>> pairs) {
+            for (const auto &[value, text] : pairs)
+                QTest::addRow("%s %s %d '%s'", codecNames[c], directionNames[d], value, qPrintable(text))
+                    << int(c) << int(d) << value << text;
+        };
+        rows(Join, Both, {{Qt::MiterJoin, "miter"}, {Qt::BevelJoin, "bevel"}, {Qt::RoundJoin, "round"}});
+        rows(Join, ToText, {{Qt::SvgMiterJoin, "round"}});
+        rows(Cap, Both, {{Qt::FlatCap, "flat"}, {Qt::SquareCap, "square"}, {Qt::RoundCap, "found"}});
+        rows(Cap, FromText, {{Qt::RoundCap, ""}});
+        rows(Marker, Both, {{LineCapNone, "Round"}, {LineCapArrow, "ArrowAnchor"}, {LineCapSquare, "SquareAnchor"},
+                            {LineCapRound, "RoundAnchor"}, {LineCapDiamond, "DiamondAnchor"}});
+        rows(Marker, FromText, {{LineCapNone, "roundanchor"}});
+        // No format is stored as one U+0000 character, not as the empty text.
+        rows(Format, Both, {{PageFormatLzn, "lzn"}, {PageFormatDoc, "doc"}, {PageFormatPpt, "ppt"},
+                            {PageFormatExcel, "excel"}, {PageFormatPdf, "pdf"}, {PageFormatNone, QString(QChar(0))}});
+        rows(Format, FromText, {{PageFormatNone, "EXCEL"}});
+        rows(Dash, Both, {{Qt::DashLine, "9,3"}, {Qt::DotLine, "3,3"}, {Qt::DashDotLine, "9,3,3,3"},
+                          {Qt::DashDotDotLine, "9,3,3,3,3,3"}, {Qt::SolidLine, ""}});
+        rows(Dash, ToText, {{Qt::CustomDashLine, ""}});
+        rows(Dash, FromText, {{Qt::DotLine, "0,0"}, {Qt::SolidLine, "9,4"}, {Qt::DashDotLine, "9,7,7,3"}, {Qt::SolidLine, "5"}});
+    }
+    void codecs()
+    {
+        QFETCH(int, codec);
+        QFETCH(int, direction);
+        QFETCH(int, value);
+        QFETCH(QString, text);
+        if (direction != FromText)
+            QCOMPARE(write(codec, value), text);
+        if (direction != ToText) {
+            bool ok = false;
+            QCOMPARE(read(codec, text, ok), value);
+            // Only an unknown page format id reports failure.
+            QCOMPARE(ok, codec != Format || value != PageFormatNone);
+        }
+    }
+
+    void transformWrite()
+    {
+        QString text;
+        QVERIFY(QPropertyTransfer::transformQt2Svg({10, 20}, {1.5, 2}, 30, true, false, {50, 40}, text));
+        QCOMPARE(text, QStringLiteral("translate(10.00,20.00)translate(50.00,40.00)scale(-1.50,2.00)"
+                                      "translate(-50.00,-40.00)rotate(30.00,50.00,40.00)"));
+    }
+
+    void transformRead_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QPointF>("pos");
+        QTest::addColumn<QSizeF>("scale");
+        QTest::addColumn<float>("angle");
+        QTest::addColumn<int>("flips");
+        const QPointF keptPos(-1, -1);
+        const QSizeF keptScale(7, 7);
+        for (int flips = 0; flips < 4; ++flips) {
+            QString text; // the centre written here is not read back
+            QPropertyTransfer::transformQt2Svg({-3.25, 7}, {0.5, 3}, -45.5f, flips & 1, flips & 2, {50, 40}, text);
+            QTest::addRow("round trip %d", flips) << text << QPointF(-3.25, 7) << QSizeF(0.5, 3) << -45.5f << flips;
+        }
+        QTest::newRow("translate only") << "translate(4,5)" << QPointF(4, 5) << keptScale << 99.0f << 0;
+        QTest::newRow("any opening bracket")
+            << "translate[4,5)scale<2,-3)rotate{6,0,0)" << QPointF(4, 5) << QSizeF(2, 3) << 6.0f << 2;
+        // After a missing keyword the search starts at the last character, so
+        // nothing later is found.
+        QTest::newRow("scale without translate") << "scale(2,3)rotate(45,0,0)" << keptPos << keptScale << 99.0f << 0;
+        QTest::newRow("no scale stops rotate") << "translate(1,2)rotate(45,0,0)" << QPointF(1, 2) << keptScale << 99.0f << 0;
+        QTest::newRow("malformed numbers")
+            << "translate(x,y)scale(a,b)rotate(c,0,0)" << QPointF(0, 0) << QSizeF(0, 0) << 0.0f << 0;
+    }
+    void transformRead()
+    {
+        QFETCH(QString, text);
+        QPointF pos(-1, -1);
+        QSizeF scale(7, 7);
+        float angle = 99.0f;
+        bool flipH = false, flipV = false;
+        QVERIFY(QPropertyTransfer::transformSvg2Qt(text, pos, scale, angle, flipH, flipV));
+        QTEST(pos, "pos");
+        QTEST(scale, "scale");
+        QTEST(angle, "angle");
+        QTEST(int(flipH) | int(flipV) << 1, "flips");
+    }
 };
-
-void TestPropertyTransfer::codecs_data()
-{
-    QTest::addColumn<int>("codec");
-    QTest::addColumn<int>("direction");
-    QTest::addColumn<int>("value");
-    QTest::addColumn<QString>("text");
-    const auto row = [](const char *tag, Codec c, Direction d, int value, const QString &text) {
-        QTest::newRow(tag) << int(c) << int(d) << value << text;
-    };
-    row("join miter", Join, Both, Qt::MiterJoin, "miter");
-    row("join bevel", Join, Both, Qt::BevelJoin, "bevel");
-    row("join round", Join, Both, Qt::RoundJoin, "round");
-    row("join svg miter", Join, ToText, Qt::SvgMiterJoin, "round");
-    row("cap flat", Cap, Both, Qt::FlatCap, "flat");
-    row("cap square", Cap, Both, Qt::SquareCap, "square");
-    row("cap round is found", Cap, Both, Qt::RoundCap, "found");
-    row("cap empty", Cap, FromText, Qt::RoundCap, "");
-    row("marker none", Marker, Both, LineCapNone, "Round");
-    row("marker arrow", Marker, Both, LineCapArrow, "ArrowAnchor");
-    row("marker square", Marker, Both, LineCapSquare, "SquareAnchor");
-    row("marker round", Marker, Both, LineCapRound, "RoundAnchor");
-    row("marker diamond", Marker, Both, LineCapDiamond, "DiamondAnchor");
-    row("marker wrong case", Marker, FromText, LineCapNone, "roundanchor");
-    row("format lzn", Format, Both, PageFormatLzn, "lzn");
-    row("format doc", Format, Both, PageFormatDoc, "doc");
-    row("format ppt", Format, Both, PageFormatPpt, "ppt");
-    row("format excel", Format, Both, PageFormatExcel, "excel");
-    row("format pdf", Format, Both, PageFormatPdf, "pdf");
-    // No format is stored as one U+0000 character, not as the empty text.
-    row("format none", Format, Both, PageFormatNone, QString(QChar(0)));
-    row("format upper case", Format, FromText, PageFormatNone, "EXCEL");
-    row("dash", Dash, Both, Qt::DashLine, "9,3");
-    row("dot", Dash, Both, Qt::DotLine, "3,3");
-    row("dash dot", Dash, Both, Qt::DashDotLine, "9,3,3,3");
-    row("dash dot dot", Dash, Both, Qt::DashDotDotLine, "9,3,3,3,3,3");
-    row("solid", Dash, ToText, Qt::SolidLine, "");
-    row("custom", Dash, ToText, Qt::CustomDashLine, "");
-    row("zero pair is dot", Dash, FromText, Qt::DotLine, "0,0");
-    row("odd pair", Dash, FromText, Qt::SolidLine, "9,4");
-    row("middle ignored", Dash, FromText, Qt::DashDotLine, "9,7,7,3");
-    row("one part", Dash, FromText, Qt::SolidLine, "5");
-    row("empty", Dash, FromText, Qt::SolidLine, "");
-}
-
-void TestPropertyTransfer::codecs()
-{
-    QFETCH(int, codec);
-    QFETCH(int, direction);
-    QFETCH(int, value);
-    QFETCH(QString, text);
-    if (direction != FromText)
-        QCOMPARE(write(codec, value), text);
-    if (direction != ToText) {
-        bool ok = false;
-        QCOMPARE(read(codec, text, ok), value);
-        // Only an unknown page format id reports failure.
-        QCOMPARE(ok, codec != Format || value != PageFormatNone);
-    }
-}
-
-void TestPropertyTransfer::transformWrite()
-{
-    QString text;
-    QVERIFY(QPropertyTransfer::transformQt2Svg({10, 20}, {1.5, 2}, 30, true, false, {50, 40}, text));
-    QCOMPARE(text, QStringLiteral("translate(10.00,20.00)translate(50.00,40.00)scale(-1.50,2.00)"
-                                  "translate(-50.00,-40.00)rotate(30.00,50.00,40.00)"));
-}
-
-void TestPropertyTransfer::transformRead_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QPointF>("pos");
-    QTest::addColumn<QSizeF>("scale");
-    QTest::addColumn<float>("angle");
-    QTest::addColumn<bool>("flipH");
-    QTest::addColumn<bool>("flipV");
-    const QPointF keptPos(-1, -1);
-    const QSizeF keptScale(7, 7);
-    for (int flips = 0; flips < 4; ++flips) {
-        QString text; // the centre written here is not read back
-        QPropertyTransfer::transformQt2Svg({-3.25, 7}, {0.5, 3}, -45.5f, flips & 1, flips & 2,
-                                           {50, 40}, text);
-        QTest::addRow("round trip %d", flips)
-            << text << QPointF(-3.25, 7) << QSizeF(0.5, 3) << -45.5f << bool(flips & 1)
-            << bool(flips & 2);
-    }
-    QTest::newRow("translate only") << "translate(4,5)" << QPointF(4, 5) << keptScale << 99.0f
-                                    << false << false;
-    QTest::newRow("any opening bracket") << "translate[4,5)scale<2,-3)rotate{6,0,0)"
-                                         << QPointF(4, 5) << QSizeF(2, 3) << 6.0f << false << true;
-    // After a missing keyword the search starts at the last character, so
-    // nothing later is found.
-    QTest::newRow("scale without translate")
-        << "scale(2,3)rotate(45,0,0)" << keptPos << keptScale << 99.0f << false << false;
-    QTest::newRow("rotate only") << "rotate(45,0,0)" << keptPos << keptScale << 99.0f << false
-                                 << false;
-    QTest::newRow("no scale stops rotate")
-        << "translate(1,2)rotate(45,0,0)" << QPointF(1, 2) << keptScale << 99.0f << false << false;
-    QTest::newRow("malformed numbers") << "translate(x,y)scale(a,b)rotate(c,0,0)" << QPointF(0, 0)
-                                       << QSizeF(0, 0) << 0.0f << false << false;
-}
-
-void TestPropertyTransfer::transformRead()
-{
-    QFETCH(QString, text);
-    QPointF pos(-1, -1);
-    QSizeF scale(7, 7);
-    float angle = 99.0f;
-    bool flipH = false;
-    bool flipV = false;
-    QVERIFY(QPropertyTransfer::transformSvg2Qt(text, pos, scale, angle, flipH, flipV));
-    QTEST(pos, "pos");
-    QTEST(scale, "scale");
-    QTEST(angle, "angle");
-    QTEST(flipH, "flipH");
-    QTEST(flipV, "flipV");
-}
 
 QTEST_APPLESS_MAIN(TestPropertyTransfer)
 #include "tst_propertytransfer.moc"

@@ -1,5 +1,6 @@
 #include "ilxobject.h"
 #include "page/qlxfrontpage.h"
+#include "testsupport.h"
 #include "xml/xmlstream.h"
 #include <QDomDocument>
 #include <QPainter>
@@ -38,19 +39,15 @@ class TestFrontPage : public QObject {
     QTemporaryDir m_dir;
 
     QString path(const QString &name) const { return m_dir.filePath(name); }
-    QString writeFile(const QString &name, const QString &content) const
+    QString write(const QString &name, const QString &content) const
     {
-        QFile file(path(name));
-        file.open(QIODevice::WriteOnly);
-        file.write(content.toUtf8());
-        return file.fileName();
+        ::writeFile(path(name), content.toUtf8());
+        return path(name);
     }
     static QDomDocument fileDoc(const QString &file)
     {
         QDomDocument doc;
-        QFile f(file);
-        if (f.open(QIODevice::ReadOnly))
-            doc.setContent(&f);
+        doc.setContent(readBytes(file));
         return doc;
     }
     static bool hasXmllint() { return !QStandardPaths::findExecutable("xmllint").isEmpty(); }
@@ -64,12 +61,6 @@ class TestFrontPage : public QObject {
     {
         expectWellFormed(file);
         return PagePtr(new QLXFrontPage(file));
-    }
-    PagePtr loadWithoutGroup(const QString &name, const QString &content) const
-    {
-        PagePtr page(new QLXFrontPage());
-        page->loadPageFile(writeFile(name, content));
-        return page;
     }
 
 private slots:
@@ -91,7 +82,7 @@ private slots:
         QFETCH(QString, content);
         QFETCH(bool, viaPath);
         QFETCH(QString, parent);
-        const QString file = writeFile("p.svg", content);
+        const QString file = write("p.svg", content);
         PagePtr page(viaPath ? new QLXFrontPage(file) : new QLXFrontPage());
         QVERIFY(viaPath || page->loadPageFile(file));
         QCOMPARE(page->isFrontPage(), content.contains("foreground"));
@@ -103,48 +94,13 @@ private slots:
         QCOMPARE(circle.parentNode().toElement().attribute("class") == "foreground", parent == "g");
     }
 
-    void fileLifecycle()
+    void newPageDefaultsAndLifecycle()
     {
         const QString file = path("new.svg");
         PagePtr page(new QLXFrontPage(file));
         const QDomElement created = fileDoc(file).documentElement();
         QCOMPARE(created.tagName() + childNames(created).join(""), QString("svg"));
         QVERIFY(!created.hasAttributes() && !page->isFrontPage());
-        page->setPageTitle("kept");
-        QVERIFY(page->saveFile());
-        page->setPageTitle("dropped");
-        page.reset();
-        QString title;
-        QVERIFY(reopen(file)->getPageTitle(title));
-        QCOMPARE(title, QString("kept"));
-
-        const QString broken = writeFile("broken.svg", "<svg><");
-        QTest::ignoreMessage(QtWarningMsg, "cann't load the xml file!");
-        QTest::ignoreMessage(QtWarningMsg, "XML file had exist!");
-        PagePtr failed(new QLXFrontPage(broken));
-        QVERIFY(!failed->getXmlStream() && !failed->saveFile() && !failed->newLXObject("rect"));
-        failed->closeFile(true);
-        QFile untouched(broken);
-        QVERIFY(untouched.open(QIODevice::ReadOnly) && untouched.readAll() == "<svg><");
-        QVERIFY(!PagePtr(new QLXFrontPage())->loadPageFile(path("missing.svg")));
-    }
-
-    void foregroundSwitching()
-    {
-        PagePtr page = reopen(writeFile("fg.svg", "<svg><g id=\"first\"/></svg>"));
-        QVERIFY(page->setForeground(true) && page->setForeground(true) && page->isFrontPage());
-        QCOMPARE(childNames(page->getXmlStream()->getRootNode()), QStringList({"g", "g"}));
-        // Removal goes by element name: the older plain group goes, the foreground stays.
-        QVERIFY(page->setForeground(false) && !page->isFrontPage());
-        const QDomNode left = page->getXmlStream()->getRootNode().firstChild();
-        QCOMPARE(left.toElement().attribute("class"), QString("foreground"));
-        QVERIFY(page->setForeground(false) && page->setForeground(false));
-        QVERIFY(!page->getXmlStream()->getRootNode().hasChildNodes());
-    }
-
-    void newPageDefaults()
-    {
-        PagePtr page(new QLXFrontPage(path("defaults.svg")));
         QSize size;
         PageFormat format = PageFormatPdf;
         int id = 7, l = 5, t = 5, r = 5, b = 5;
@@ -157,36 +113,44 @@ private slots:
         QVERIFY(!page->getPageFormat(format) && !page->getMaxGraphicId(id) && id == 0);
         QVERIFY(!page->getPageTitle(text) && !page->getPageBgColor(colour) && !page->getPageBgTempl(text, size));
         QVERIFY(!page->getPageGrid(&grid) && !page->getLXPageAttribute("anything", text));
+        // The highest id is an ordinary page attribute under this name.
+        QVERIFY(page->setMaxGraphicId(41) && page->setLXPageAttribute("max-gid", 42) && page->getMaxGraphicId(id));
+        QCOMPARE(id, 42);
+        page->setPageTitle("kept");
+        QVERIFY(page->saveFile());
+        page->setPageTitle("dropped");
+        page.reset();
+        QString title;
+        QVERIFY(reopen(file)->getPageTitle(title));
+        QCOMPARE(title, QString("kept"));
+
+        const QString broken = write("broken.svg", "<svg><");
+        QTest::ignoreMessage(QtWarningMsg, "cann't load the xml file!");
+        QTest::ignoreMessage(QtWarningMsg, "XML file had exist!");
+        PagePtr failed(new QLXFrontPage(broken));
+        QVERIFY(!failed->getXmlStream() && !failed->saveFile() && !failed->newLXObject("rect"));
+        failed->closeFile(true);
+        QCOMPARE(readBytes(broken), QByteArray("<svg><"));
+        QVERIFY(!PagePtr(new QLXFrontPage())->loadPageFile(path("missing.svg")));
     }
 
-    void propertiesSurviveReopen()
+    void foregroundSwitching()
     {
-        const QString file = path("props.svg");
-        PagePtr page(new QLXFrontPage(file));
-        QVERIFY(page->setPageSize(QSize(800, 600)) && page->setPageFormat(PageFormatPpt));
-        QVERIFY(page->setPageTitle("Fractions") && page->setPageMargin(1, 2, 3, 4) && page->setMaxGraphicId(41));
-        QVERIFY(page->setLXPageAttribute("zoom", 1.5f) && page->setLXPageAttribute("author", QString("Ann")));
-        QVERIFY(page->setLXPageAttribute("max-gid", 42) && page->saveFile());
-
-        PagePtr back = reopen(file);
-        QSize size;
-        PageFormat format = PageFormatNone;
-        QString title, author;
-        int l = 0, t = 0, r = 0, b = 0, gid = 0;
-        float zoom = 0;
-        QVERIFY(back->getPageSize(size) && back->getPageFormat(format) && back->getPageTitle(title));
-        QVERIFY(back->getPageMargin(l, t, r, b) && back->getMaxGraphicId(gid));
-        QVERIFY(back->getLXPageAttribute("zoom", zoom) && back->getLXPageAttribute("author", author));
-        QCOMPARE(size, QSize(800, 600));
-        QCOMPARE(format, PageFormatPpt);
-        QCOMPARE(title + author, QString("FractionsAnn"));
-        QCOMPARE(QList<int>({l, t, r, b, gid}), QList<int>({1, 2, 3, 4, 42}));
-        QCOMPARE(zoom, 1.5f);
+        PagePtr page = reopen(write("fg.svg", "<svg><g id=\"first\"/></svg>"));
+        QVERIFY(page->setForeground(true) && page->setForeground(true) && page->isFrontPage());
+        QCOMPARE(childNames(page->getXmlStream()->getRootNode()), QStringList({"g", "g"}));
+        // Removal goes by element name: the older plain group goes, the foreground stays.
+        QVERIFY(page->setForeground(false) && !page->isFrontPage());
+        const QDomNode left = page->getXmlStream()->getRootNode().firstChild();
+        QCOMPARE(left.toElement().attribute("class"), QString("foreground"));
+        QVERIFY(page->setForeground(false) && page->setForeground(false));
+        QVERIFY(!page->getXmlStream()->getRootNode().hasChildNodes());
     }
 
     void propertyQuirks()
     {
-        PagePtr page(new QLXFrontPage(path("quirks.svg")));
+        const QString file = path("quirks.svg");
+        PagePtr page(new QLXFrontPage(file));
         QVERIFY(page->setPageFormat(PageFormatNone));
         QString text = "x";
         QVERIFY(page->getLXPageAttribute("format", text));
@@ -202,6 +166,9 @@ private slots:
         QVERIFY(page->getPageBgColor(colour) && colour == QColor(Qt::white));
         QVERIFY(page->setPageBgColor(QColor(255, 0, 0, 128)) && page->getPageBgColor(colour));
         QCOMPARE(colour, QColor(255, 0, 0));
+        // With the root as layer, clearing empties the whole page.
+        QVERIFY(page->clearAllLXObjects() && page->saveFile());
+        QVERIFY(!fileDoc(file).documentElement().hasChildNodes());
 
         // With the root as layer, a drawn rect placed first is taken for the background.
         PagePtr drawn(new QLXFrontPage(path("drawn.svg")));
@@ -214,13 +181,13 @@ private slots:
         const QString file = path("bg.svg");
         PagePtr page(new QLXFrontPage(file));
         QSize none(0, 0), sized(640, 480), size;
-        QVERIFY(page->setPageBgTempl("images/board.png", none) && page->setPageBgColor(Qt::red));
-        QVERIFY(page->saveFile());
+        QVERIFY(page->setPageBgTempl("images/board.png", none) && page->setPageBgColor(Qt::red) && page->saveFile());
         QCOMPARE(fileDoc(file).elementsByTagName("rect").count(), 1);
         const QDomElement rect = fileDoc(file).documentElement().firstChildElement("rect");
-        for (const char *name : {"x", "y", "width", "height", "xmlns:xlink", "xlink:href", "fill"})
-            QVERIFY2(rect.hasAttribute(name), name);
-        QVERIFY(!rect.hasAttribute("image-width"));
+        QStringList names;
+        for (const char *name : {"x", "y", "width", "height", "xmlns:xlink", "xlink:href", "fill", "image-width"})
+            names << (rect.hasAttribute(name) ? name : "-");
+        QCOMPARE(names.join(' '), QString("x y width height xmlns:xlink xlink:href fill -"));
 
         PagePtr back = reopen(file);
         QString href;
@@ -236,7 +203,6 @@ private slots:
         QTest::addColumn<float>("width");
         QTest::addColumn<QString>("dash");
         QTest::newRow("solid") << int(Qt::SolidLine) << 1.0f << "";
-        QTest::newRow("dash 2") << int(Qt::DashLine) << 2.0f << "6,2";
         QTest::newRow("dot truncates width") << int(Qt::DotLine) << 2.7f << "2,2";
     }
 
@@ -273,25 +239,14 @@ private slots:
         QFETCH(QString, grid);
         QFETCH(QColor, expected);
         tagPageGrid read{9, 9, Qt::magenta, 7, Qt::DashLine, true};
-        QVERIFY(reopen(writeFile("hand.svg", "<svg>" + grid + "</svg>"))->getPageGrid(&read));
+        QVERIFY(reopen(write("hand.svg", "<svg>" + grid + "</svg>"))->getPageGrid(&read));
         QCOMPARE(read.lineColor.rgba(), expected.rgba());
         QVERIFY(read.lineWidth == 1.0f && read.lineStyle == Qt::SolidLine && read.horizontal == 0);
     }
 
-    void firstObjectMakesForegroundGroup()
-    {
-        PagePtr page = loadWithoutGroup("fg.svg", "<svg><rect/></svg>");
-        QVERIFY(!page->getFirstLXObject() && !page->clearAllLXObjects() && !page->isFrontPage());
-        QCOMPARE(childNames(page->getXmlStream()->getRootNode()), QStringList({"rect"}));
-        ObjPtr(page->newLXObject("ellipse"));
-        const QDomElement group = page->getXmlStream()->getRootNode().lastChild().toElement();
-        QCOMPARE(group.attribute("class"), QString("foreground"));
-        QCOMPARE(group.lastChild().nodeName(), QString("ellipse"));
-    }
-
     void iterationAndLookup()
     {
-        PagePtr page = reopen(writeFile("walk.svg", "<svg><title>T</title><rect id=\"a\"/><g id=\"b\"/></svg>"));
+        PagePtr page = reopen(write("walk.svg", "<svg><title>T</title><rect id=\"a\"/><g id=\"b\"/></svg>"));
         QVERIFY(!page->getLXObjectByName("rect"));  // the layer is not resolved yet
         ObjPtr first(page->getFirstLXObject());
         QVERIFY(first && idOf(first).isEmpty());  // the title is handed out like any object
@@ -305,17 +260,6 @@ private slots:
         ObjPtr(page->getFirstLXObject());
         ObjPtr(page->newLXObject("circle"));
         QVERIFY(!page->getNextLXObject());  // the cursor sits on the newest object
-    }
-
-    void clearingTheRootEmptiesThePage()
-    {
-        const QString file = path("clear.svg");
-        PagePtr page(new QLXFrontPage(file));
-        page->setPageTitle("T");
-        page->setPageBgColor(Qt::red);
-        ObjPtr(page->newLXObject("rect"));
-        QVERIFY(page->clearAllLXObjects() && page->saveFile());
-        QVERIFY(!fileDoc(file).documentElement().hasChildNodes());
     }
 
     void takeOverFromSvg_data()
@@ -346,17 +290,23 @@ private slots:
         QCOMPARE(got, cls);
     }
 
-    void takeOverMovesAndSaves()
+    void firstObjectMakesForegroundGroup()
     {
-        PagePtr page = loadWithoutGroup("moved.svg", "<svg/>");
+        PagePtr page(new QLXFrontPage());
+        QVERIFY(page->loadPageFile(write("moved.svg", "<svg><rect/></svg>")));
+        QVERIFY(!page->getFirstLXObject() && !page->clearAllLXObjects() && !page->isFrontPage());
         QXmlStream source;
         QVERIFY(source.loadFromXmlStream("<svg><polyline class=\"ink\"/><x/></svg>"));
         QVERIFY(!page->newLXObjectFromXmlStream(nullptr));
         ObjPtr(page->newLXObjectFromXmlStream(&source));
         QCOMPARE(childNames(source.getRootNode()), QStringList({"x"}));
         // On disk without saveFile.
-        const QDomElement group = fileDoc(path("moved.svg")).documentElement().firstChildElement("g");
+        const QDomElement group = fileDoc(path("moved.svg")).documentElement().lastChildElement("g");
+        QCOMPARE(group.attribute("class"), QString("foreground"));
         QCOMPARE(group.firstChildElement("polyline").attribute("class"), QString("ink"));
+        ObjPtr(page->newLXObject("ellipse"));
+        QCOMPARE(childNames(page->getXmlStream()->getRootNode()), QStringList({"rect", "g"}));
+        QCOMPARE(page->getXmlStream()->getRootNode().lastChild().lastChild().nodeName(), QString("ellipse"));
     }
 
     void pageRendersAsSvg()
@@ -366,24 +316,15 @@ private slots:
         QSize size(64, 48);
         tagPageGrid grid{1, 2, Qt::gray, 1, Qt::DashDotLine, true};
         page->setPageSize(QSize(200, 100));
-        page->setPageFormat(PageFormatLzn);
+        page->setPageGrid(&grid);
         page->setPageTitle("Tom & \"Jerry\" <3");
         page->setPageBgTempl("images/a b&c.png", size);
         page->setPageBgColor(Qt::white);
-        page->setPageGrid(&grid);
-        const auto add = [&](const QString &name, const QStringList &attrs) {
-            ObjPtr object(page->newLXObject(name));
-            for (int i = 0; i + 1 < attrs.size(); i += 2)
-                object->setLXObjectAttribute(attrs[i], attrs[i + 1]);
-        };
-        add("rect", {"x", "10", "y", "10", "width", "40", "height", "30", "fill", "#ff0000"});
-        add("polyline", {"points", "60,10 90,40 120,10", "stroke", "#000000", "fill", "none"});
-        add("line", {"x1", "0", "y1", "90", "x2", "200", "y2", "90", "stroke", "#00ff00"});
-        ObjPtr(page->newLXObjectFromSVG("<svg><text class=\"label\" x=\"130\" y=\"60\">Hi</text></svg>"));
+        const ObjPtr rect(page->newLXObject("rect"));
+        for (const QString attr : {"x=10", "y=10", "width=40", "height=30", "fill=#ff0000"})
+            rect->setLXObjectAttribute(attr.section('=', 0, 0), attr.section('=', 1));
         ObjPtr(page->newLXObjectFromSVG("<g class=\"grp\"><rect x=\"150\" y=\"10\" width=\"30\" height=\"30\"/></g>"));
         page->saveFile();
-        page.reset();
-
         QSvgRenderer renderer(file);
         QVERIFY(renderer.isValid());
         QImage image(200, 100, QImage::Format_ARGB32);

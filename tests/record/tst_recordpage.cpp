@@ -1,4 +1,5 @@
 #include "ilxcmd.h"
+#include "testsupport.h"
 #include "record/qlxrecordpage.h"
 
 #include <QDomDocument>
@@ -7,16 +8,10 @@
 
 namespace {
 
-QByteArray bytes(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 QDomElement rootOf(const QString &path)
 {
     QDomDocument doc;
-    doc.setContent(bytes(path));
+    doc.setContent(readBytes(path));
     return doc.documentElement();
 }
 
@@ -34,93 +29,84 @@ class TestRecordPage : public QObject {
     Q_OBJECT
 
 private slots:
-    void createdFileGetsClassOnSave();
-    void commandsInRecordingOrder();
-    void releaseWithoutSaveKeepsLastSavedFile();
-    void malformedFileLeavesPageWithoutStream();
+    void createdFileGetsClassOnSave()
+    {
+        const QString file = m_dir.filePath("page1.mtrec");
+        auto *page = new QLXRecordPage(file);
+        QCOMPARE(rootOf(file).tagName() + rootOf(file).attribute("class", "-"), QString("record-"));
+        float missing = 1.0f;
+        QVERIFY(!page->getLXPageAttribute("zoom", missing));
+        QCOMPARE(missing, 0.0f);
+        QVERIFY(page->setLXPageAttribute("zoom", 0.5f));
+        QVERIFY(page->saveFile());
+        QCOMPARE(rootOf(file).attribute("class") + rootOf(file).attribute("zoom"), QString("page0.5"));
+        page->release();
+    }
+
+    void commandsInRecordingOrder()
+    {
+        auto *page = new QLXRecordPage(m_dir.filePath("page2.mtrec"));
+        QVERIFY(!page->getNextLXCmd());
+        QVERIFY(!page->clearAllCmdRecords());
+        for (const char *cls : {"a", "b"}) {
+            if (ILXCmd *first = page->getFirstLXCmd())
+                first->release();
+            ILXCmd *cmd = page->newLXCmd("draw");
+            cmd->setClass(cls);
+            cmd->release();
+        }
+        QVERIFY(!page->getNextLXCmd()); // the cursor stands on the newest command
+        ILXCmd *first = page->getFirstLXCmd();
+        ILXCmd *again = page->getFirstLXCmd();
+        QVERIFY(first != again);
+        QCOMPARE(takeClass(first), QString("a"));
+        QCOMPARE(takeClass(again), QString("a"));
+        QCOMPARE(takeClass(page->getNextLXCmd()), QString("b"));
+        QVERIFY(page->clearAllCmdRecords());
+        QVERIFY(!page->getFirstLXCmd());
+        page->release();
+    }
+
+    void releaseWithoutSaveKeepsLastSavedFile()
+    {
+        const QString file = m_dir.filePath("page3.mtrec");
+        auto *page = new QLXRecordPage(file);
+        page->newLXCmd("kept")->release();
+        page->saveFile();
+        const QByteArray saved = readBytes(file);
+        for (int round = 0; round < 2; ++round) { // freshly created, then loaded
+            page->newLXCmd("dropped")->release();
+            page->release();
+            QCOMPARE(readBytes(file), saved);
+            page = new QLXRecordPage(file);
+        }
+        page->newLXCmd("written")->release();
+        QVERIFY(page->closeFile(true));
+        page->release();
+        QCOMPARE(rootOf(file).lastChildElement().tagName(), QString("written"));
+    }
+
+    void malformedFileLeavesPageWithoutStream()
+    {
+        const QString file = m_dir.filePath("page4.mtrec");
+        const QByteArray broken("<record class=\"page\"><draw></record>");
+        QVERIFY(writeFile(file, broken));
+        QTest::ignoreMessage(QtWarningMsg, "cann't load the xml file!");
+        QTest::ignoreMessage(QtWarningMsg, "XML file had exist!");
+        auto *page = new QLXRecordPage(file);
+        QString cls;
+        QVERIFY(!page->getClass(cls));
+        QVERIFY(page->setClass("page"));
+        QVERIFY(!page->newLXCmd("draw"));
+        QVERIFY(!page->setLXPageAttribute("zoom", 2));
+        QVERIFY(!page->saveFile());
+        page->release();
+        QCOMPARE(readBytes(file), broken);
+    }
 
 private:
     QTemporaryDir m_dir;
 };
-
-void TestRecordPage::createdFileGetsClassOnSave()
-{
-    const QString file = m_dir.filePath("page1.mtrec");
-    auto *page = new QLXRecordPage(file);
-    QCOMPARE(rootOf(file).tagName(), QString("record"));
-    QVERIFY(!rootOf(file).hasAttribute("class"));
-    float missing = 1.0f;
-    QVERIFY(!page->getLXPageAttribute("zoom", missing));
-    QCOMPARE(missing, 0.0f);
-    QVERIFY(page->setLXPageAttribute("zoom", 0.5f));
-    QVERIFY(page->saveFile());
-    QCOMPARE(rootOf(file).attribute("class"), QString("page"));
-    QCOMPARE(rootOf(file).attribute("zoom"), QString("0.5"));
-    page->release();
-}
-
-void TestRecordPage::commandsInRecordingOrder()
-{
-    auto *page = new QLXRecordPage(m_dir.filePath("page2.mtrec"));
-    QVERIFY(!page->getNextLXCmd());
-    QVERIFY(!page->clearAllCmdRecords());
-    for (const char *cls : {"a", "b"}) {
-        if (ILXCmd *first = page->getFirstLXCmd())
-            first->release();
-        ILXCmd *cmd = page->newLXCmd("draw");
-        cmd->setClass(cls);
-        cmd->release();
-    }
-    QVERIFY(!page->getNextLXCmd()); // the cursor stands on the newest command
-    ILXCmd *first = page->getFirstLXCmd();
-    ILXCmd *again = page->getFirstLXCmd();
-    QVERIFY(first != again);
-    QCOMPARE(takeClass(first), QString("a"));
-    QCOMPARE(takeClass(again), QString("a"));
-    QCOMPARE(takeClass(page->getNextLXCmd()), QString("b"));
-    QVERIFY(page->clearAllCmdRecords());
-    QVERIFY(!page->getFirstLXCmd());
-    page->release();
-}
-
-void TestRecordPage::releaseWithoutSaveKeepsLastSavedFile()
-{
-    const QString file = m_dir.filePath("page3.mtrec");
-    auto *page = new QLXRecordPage(file);
-    page->newLXCmd("kept")->release();
-    page->saveFile();
-    const QByteArray saved = bytes(file);
-    for (int round = 0; round < 2; ++round) { // freshly created, then loaded
-        page->newLXCmd("dropped")->release();
-        page->release();
-        QCOMPARE(bytes(file), saved);
-        page = new QLXRecordPage(file);
-    }
-    page->newLXCmd("written")->release();
-    QVERIFY(page->closeFile(true));
-    page->release();
-    QCOMPARE(rootOf(file).lastChildElement().tagName(), QString("written"));
-}
-
-void TestRecordPage::malformedFileLeavesPageWithoutStream()
-{
-    const QString file = m_dir.filePath("page4.mtrec");
-    const QByteArray broken("<record class=\"page\"><draw></record>");
-    QFile out(file);
-    QVERIFY(out.open(QIODevice::WriteOnly) && out.write(broken) > 0);
-    out.close();
-    QTest::ignoreMessage(QtWarningMsg, "cann't load the xml file!");
-    QTest::ignoreMessage(QtWarningMsg, "XML file had exist!");
-    auto *page = new QLXRecordPage(file);
-    QString cls;
-    QVERIFY(!page->getClass(cls));
-    QVERIFY(page->setClass("page"));
-    QVERIFY(!page->newLXCmd("draw"));
-    QVERIFY(!page->setLXPageAttribute("zoom", 2));
-    QVERIFY(!page->saveFile());
-    page->release();
-    QCOMPARE(bytes(file), broken);
-}
 
 QTEST_GUILESS_MAIN(TestRecordPage)
 #include "tst_recordpage.moc"

@@ -21,15 +21,8 @@ bool logCall(const char *call, bool result = true)
     return result;
 }
 
-__attribute__((constructor)) void loaded()
-{
-    logCall("load");
-}
-
-__attribute__((destructor)) void unloaded()
-{
-    logCall("unload");
-}
+__attribute__((constructor)) void loaded() { logCall("load"); }
+__attribute__((destructor)) void unloaded() { logCall("unload"); }
 
 // Packing and unpacking both fail, without touching the disk.
 class FailingTool final : public ArchiveTool {
@@ -49,22 +42,20 @@ public:
 
 } // namespace
 
-#if defined(FAKE_CASE_NULL)
-FAKE_EXPORT ArchiveTool *get_interface()
-{
-    logCall("get_interface");
-    return nullptr;
-}
-#elif defined(FAKE_CASE_FAIL)
-FAKE_EXPORT ArchiveTool *get_interface()
-{
-    logCall("get_interface");
-    return new FailingTool;
-}
-#else
+#if defined(FAKE_CASE_NOSYMBOL)
 // No entry point at all: a library of that name that is no archive plug-in.
 FAKE_EXPORT ArchiveTool *create_tool()
 {
     return new FailingTool;
+}
+#else
+FAKE_EXPORT ArchiveTool *get_interface()
+{
+    logCall("get_interface");
+#if defined(FAKE_CASE_FAIL)
+    return new FailingTool;
+#else
+    return nullptr;
+#endif
 }
 #endif
