@@ -1,7 +1,9 @@
 #include "lessonsource.h"
 
 #include "archivesession.h"
+#include "console.h"
 #include "filetree.h"
+#include "lessonpages.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -102,4 +104,13 @@ bool LessonSource::fail(const QString &reason)
 {
     m_error = QStringLiteral("cannot open '%1': %2").arg(m_path, reason);
     return false;
+}
+
+int LessonSource::withPages(const QString &path, const std::function<int(const LessonPages &)> &work)
+{
+    LessonSource source(path);
+    if (!source.open())
+        return Console::fail(source.error());
+    const LessonPages pages(source.document(), source.folder());
+    return work(pages);
 }

@@ -6,7 +6,10 @@
 #include <QString>
 #include <QTemporaryDir>
 
+#include <functional>
 #include <memory>
+
+class LessonPages;
 
 // A lesson named on the command line: an archive or an unpacked folder.
 // The library deletes the working folder of a document on release and opens
@@ -27,6 +30,10 @@ public:
     QString error() const;
 
     static bool isArchiveName(const QString &path);
+    // The one way a command reaches a lesson's pages: opens a private copy of
+    // the lesson at path, hands its pages to work and returns work's status
+    // (or reports why the lesson cannot be opened).
+    static int withPages(const QString &path, const std::function<int(const LessonPages &)> &work);
 
 private:
     bool checkPath();
