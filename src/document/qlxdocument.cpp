@@ -164,8 +164,12 @@ void QLXDocument::finishSaveFile()
 {
 }
 
+// Without a document the page paths would name the file-system root: the
+// operations that never fail hand out a page without a file instead.
 ILXFrontPage *QLXDocument::insertFrontPage(int index, int id)
 {
+    if (!hasDocument())
+        return new QLXFrontPage;
     const QString name = frontPageName(id);
     ILXFrontPage *const page = new QLXFrontPage(pagePath(name));
     m_manifest.insertFrontPage(index, name);
@@ -175,6 +179,8 @@ ILXFrontPage *QLXDocument::insertFrontPage(int index, int id)
 
 ILXRecordPage *QLXDocument::insertRecPage(int index, int id)
 {
+    if (!hasDocument())
+        return new QLXRecordPage;
     const QString name = recordPageName(id);
     ILXRecordPage *const page = new QLXRecordPage(pagePath(name));
     m_manifest.insertRecPage(index, name);
@@ -215,6 +221,8 @@ bool QLXDocument::adjustPageIndex(int id, int oldIndex, int newIndex)
 
 ILXFrontPage *QLXDocument::getPageByIndex(int index, int &id)
 {
+    if (!hasDocument())
+        return nullptr;
     const QStringList pages = m_manifest.getPagesList();
     // An index equal to the size passes on purpose: it names the working
     // folder itself, which does not load, so the result is still null.
@@ -232,11 +240,15 @@ ILXFrontPage *QLXDocument::getPageByIndex(int index, int &id)
 
 ILXFrontPage *QLXDocument::getPageById(int id)
 {
+    if (!hasDocument())
+        return new QLXFrontPage;
     return new QLXFrontPage(pagePath(frontPageName(id)));
 }
 
 ILXRecordPage *QLXDocument::getRecPageById(int id)
 {
+    if (!hasDocument())
+        return new QLXRecordPage;
     return new QLXRecordPage(pagePath(recordPageName(id)));
 }
 
@@ -349,6 +361,11 @@ bool QLXDocument::openOtherTypeFile(const QString &path)
 QString QLXDocument::pagePath(const QString &name) const
 {
     return QStringLiteral("%1/%2").arg(m_path, name);
+}
+
+bool QLXDocument::hasDocument() const
+{
+    return !m_path.isEmpty();
 }
 
 void QLXDocument::releaseResMgr()

@@ -46,6 +46,7 @@ public:
 
 private:
     QString pagePath(const QString &name) const;
+    bool hasDocument() const;
     void releaseResMgr();
     QString unpackFolderFor(const QFileInfo &archive);
     bool unpackArchive(const QString &archive, const QString &folder);

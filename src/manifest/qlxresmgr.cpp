@@ -1,6 +1,7 @@
 #include "manifest/qlxresmgr.h"
 
 #include "manifest/qmanifest.h"
+#include "xml/xmlname.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -83,7 +84,10 @@ QLXResMgr::~QLXResMgr() = default;
 bool QLXResMgr::getNewFilePath(const QString &source, const QString &subfolder, QString &fullPath,
                                QString &relativeName)
 {
-    const QString fileName = source.mid(source.lastIndexOf(QLatin1Char('/')) + 1);
+    // The copy is named as the manifest will list it: a character the
+    // manifest cannot carry is left out of both, and the no-clash rule below
+    // sees the name that is really used.
+    const QString fileName = XmlName::carried(QStringView(source).mid(source.lastIndexOf(QLatin1Char('/')) + 1));
     const int dot = fileName.lastIndexOf(QLatin1Char('.'));
     // A name without a dot serves as both base and extension (README is
     // stored as README.README), which existing documents already contain.

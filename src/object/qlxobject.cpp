@@ -2,6 +2,7 @@
 
 #include "qpropertytransfer.h"
 #include "xml/numbertext.h"
+#include "xml/xmlname.h"
 #include "xml/xmlstream.h"
 
 #include <QtGlobal>
@@ -183,7 +184,7 @@ bool QLXObject::getStrokeLineCap(Qt::PenCapStyle &cap)
 bool QLXObject::setStrokeDashArray(Qt::PenStyle style, float width)
 {
     QString text;
-    if (!QPropertyTransfer::dashQt2Svg(style, int(width), text))
+    if (!QPropertyTransfer::dashQt2Svg(style, NumberText::saturatedInt(width), text))
         return false;
     return m_stream->setNodeAttribute(m_node, QStringLiteral("stroke-dasharray"), text, true);
 }
@@ -237,11 +238,8 @@ bool QLXObject::getFill(bool &filled, QColor &color)
     }
     color = QColor(text);
     float opacity = 0.0f;
-    // QColor ignores an alpha outside 0..1 anyway; checking first keeps a
-    // stray value in a file from printing Qt's own warning.
-    if (m_stream->getNodeAttribute(m_node, kOpacity, opacity, 0.0f) && opacity >= 0.0f
-        && opacity <= 1.0f)
-        color.setAlphaF(opacity);
+    if (m_stream->getNodeAttribute(m_node, kOpacity, opacity, 0.0f))
+        color.setAlphaF(NumberText::unitFraction(opacity));
     filled = true;
     return true;
 }
@@ -402,7 +400,7 @@ bool QLXObject::setTextFrame(QColor stroke, float width, Qt::PenStyle &style, bo
     m_stream->setNodeAttribute(rect, QStringLiteral("stroke-width"), width, true);
     if (style != Qt::SolidLine) {
         QString dash;
-        QPropertyTransfer::dashQt2Svg(style, int(width), dash);
+        QPropertyTransfer::dashQt2Svg(style, NumberText::saturatedInt(width), dash);
         m_stream->setNodeAttribute(rect, QStringLiteral("stroke-dasharray"), dash, true);
     }
     if (filled)
@@ -454,6 +452,8 @@ bool QLXObject::setSvgText(const QString &text)
         qWarning("setSvgText: get text node failed!");
         return false;
     }
+    if (!XmlName::isNamedTree(textNode))
+        return false;
     m_node.appendChild(textNode);
     temporary.closeFile(false);
     return true;

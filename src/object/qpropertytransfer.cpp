@@ -175,7 +175,8 @@ bool QPropertyTransfer::pageFormat2FormatID(const QString &text, PageFormat &for
 bool QPropertyTransfer::dashQt2Svg(Qt::PenStyle style, int width, QString &text)
 {
     const int w = width;
-    const int dash = 3 * w;
+    // In double, where three times any int is exact, then held to the int range.
+    const int dash = NumberText::saturatedInt(3.0 * w);
     switch (style) {
     case Qt::DashLine:
         text = QString::asprintf("%d,%d", dash, w);

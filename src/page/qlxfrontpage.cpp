@@ -2,6 +2,8 @@
 
 #include "object/qlxobject.h"
 #include "object/qpropertytransfer.h"
+#include "xml/numbertext.h"
+#include "xml/xmlname.h"
 #include "xml/xmlstream.h"
 
 namespace {
@@ -260,7 +262,7 @@ bool QLXFrontPage::getLXPageAttribute(const QString &name, float &value)
 
 bool QLXFrontPage::getLXPageAttribute(const QString &name, QString &value)
 {
-    return isOpen() && m_xml->getNodeAttribute(m_root, name, value, QString());
+    return isOpen() && m_xml->getNodeAttribute(m_root, name, value, QStringLiteral(""));
 }
 
 bool QLXFrontPage::setLXPageAttribute(const QString &name, int value)
@@ -346,7 +348,7 @@ bool QLXFrontPage::getPageBgTempl(QString &path, QSize &size)
     m_xml->getNodeAttribute(rect, QStringLiteral("image-width"), width, 0);
     m_xml->getNodeAttribute(rect, QStringLiteral("image-height"), height, 0);
     size = QSize(width, height);
-    m_xml->getNodeAttribute(rect, QStringLiteral("xlink:href"), path, QString());
+    m_xml->getNodeAttribute(rect, QStringLiteral("xlink:href"), path, QStringLiteral(""));
     return !path.isEmpty();
 }
 
@@ -409,7 +411,7 @@ bool QLXFrontPage::getPageGrid(tagPageGrid *grid)
             QColor color(stroke);
             float opacity = 0.0f;
             m_xml->getNodeAttribute(node, QStringLiteral("opacity"), opacity, 0.0f);
-            color.setAlphaF(opacity);
+            color.setAlphaF(NumberText::unitFraction(opacity));
             grid->lineColor = color;
         }
     }
@@ -441,7 +443,7 @@ bool QLXFrontPage::setPageGrid(tagPageGrid *grid)
                             static_cast<float>(grid->lineColor.alphaF()), true);
     m_xml->setNodeAttribute(node, QStringLiteral("stroke-width"), grid->lineWidth, true);
     QString dash;
-    if (QPropertyTransfer::dashQt2Svg(grid->lineStyle, static_cast<int>(grid->lineWidth), dash))
+    if (QPropertyTransfer::dashQt2Svg(grid->lineStyle, NumberText::saturatedInt(grid->lineWidth), dash))
         m_xml->setNodeAttribute(node, QStringLiteral("stroke-dasharray"), dash, true);
     return true;
 }
@@ -468,9 +470,7 @@ ILXObject *QLXFrontPage::newLXObject(const QString &name)
 
 ILXObject *QLXFrontPage::newLXObjectFromXmlStream(QXmlStream *source)
 {
-    // Taking over from the page's own stream could move an ancestor of the
-    // layer into the layer.
-    if (!isOpen() || source == nullptr || source == m_xml)
+    if (!isOpen() || source == nullptr)
         return nullptr;
     return adoptFirstClassed(source);
 }
@@ -497,15 +497,26 @@ ILXObject *QLXFrontPage::adoptFirstClassed(QXmlStream *source)
             break;
         node = source->getFirstChildNode(node);
     }
-    if (node.isNull())
+    if (node.isNull() || !XmlName::isNamedTree(node))
         return nullptr;
     QDomNode layer = resolveLayer(true);
-    if (layer.isNull())
+    if (layer.isNull() || isLayerOrAbove(node, layer))
         return nullptr;
     // Moved, not imported: the element leaves the source tree.
     m_cursor = layer.appendChild(node);
     m_xml->saveFile();
     return wrap(m_cursor);
+}
+
+// Taking over from the page's own stream must not move the layer, or one of
+// the elements holding it, into the layer itself.
+bool QLXFrontPage::isLayerOrAbove(const QDomNode &node, const QDomNode &layer)
+{
+    for (QDomNode above = layer; !above.isNull(); above = above.parentNode()) {
+        if (above == node)
+            return true;
+    }
+    return false;
 }
 
 ILXObject *QLXFrontPage::getFirstLXObject()

@@ -63,6 +63,7 @@ private:
     void writeFullPageRect(const QDomNode &rect);
     ILXObject *wrap(const QDomNode &node);
     ILXObject *adoptFirstClassed(QXmlStream *source);
+    static bool isLayerOrAbove(const QDomNode &node, const QDomNode &layer);
 
     QXmlStream *m_xml = nullptr;
     QDomNode m_root;

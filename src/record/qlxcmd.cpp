@@ -245,8 +245,8 @@ bool QLXCmd::writeText(const QString &name, const QString &text)
 
 bool QLXCmd::readText(const QString &name, QString &text)
 {
-    text = QString();
-    return m_stream && m_stream->getNodeAttribute(m_node, name, text, QString());
+    text = QStringLiteral("");
+    return m_stream && m_stream->getNodeAttribute(m_node, name, text, QStringLiteral(""));
 }
 
 // Commands and objects walk the same children with one cursor; adding a child

@@ -87,10 +87,11 @@ bool QLXRecordPage::setClass(QString cls)
 
 bool QLXRecordPage::getClass(QString &cls)
 {
-    cls = QString();
+    cls = QStringLiteral("");
     if (!m_stream)
         return false;
-    return m_stream->getNodeAttribute(m_root, QString::fromLatin1(kClassAttribute), cls, QString());
+    return m_stream->getNodeAttribute(m_root, QString::fromLatin1(kClassAttribute), cls,
+                                      QStringLiteral(""));
 }
 
 bool QLXRecordPage::clearAllCmdRecords()
@@ -140,8 +141,8 @@ bool QLXRecordPage::getLXPageAttribute(const QString &name, float &value)
 
 bool QLXRecordPage::getLXPageAttribute(const QString &name, QString &value)
 {
-    value = QString();
-    return isReady() && m_stream->getNodeAttribute(m_root, name, value, QString());
+    value = QStringLiteral("");
+    return isReady() && m_stream->getNodeAttribute(m_root, name, value, QStringLiteral(""));
 }
 
 bool QLXRecordPage::setLXPageAttribute(const QString &name, int value)

@@ -1,5 +1,7 @@
 #include "domwriter.h"
 
+#include "xmlname.h"
+
 #include <QDomDocument>
 #include <QDomDocumentType>
 #include <QDomElement>
@@ -167,6 +169,10 @@ void DomWriter::writeChildren(const QDomNode &node, int depth)
 
 void DomWriter::writeElement(const QDomElement &element, int depth)
 {
+    // An element whose name would not read back is left out with all it
+    // holds: written, it would make the whole file unreadable.
+    if (!XmlName::isQualifiedName(element.nodeName()))
+        return;
     // No whitespace is written next to a text node: it would change the text.
     if (!isTextLike(element.previousSibling()))
         writeIndent(depth);
@@ -201,9 +207,11 @@ void DomWriter::writeElement(const QDomElement &element, int depth)
             // A name holding characters XML cannot carry was never a name: with
             // them left out it may clash with another ("x\v2" and "x2") or end
             // in ':', and the whole file would no longer read. Such an
-            // attribute is dropped, as are repeats.
+            // attribute is dropped, as is any other name that would not read
+            // back, and repeats.
             const QString writtenName = m_out.mid(start + 1);
-            if (writtenName != attributeName || writtenName.isEmpty() || writtenNames.contains(writtenName)) {
+            if (writtenName != attributeName || !XmlName::isQualifiedName(writtenName)
+                || writtenNames.contains(writtenName)) {
                 m_out.truncate(start);
                 continue;
             }

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -248,6 +249,24 @@ void NumberText::appendInt(QString &out, int value)
     char buffer[16];
     const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
     appendAscii(out, buffer, result.ptr);
+}
+
+int NumberText::saturatedInt(double value)
+{
+    if (std::isnan(value))
+        return 0;
+    if (value <= double(std::numeric_limits<int>::min()))
+        return std::numeric_limits<int>::min();
+    if (value >= double(std::numeric_limits<int>::max()))
+        return std::numeric_limits<int>::max();
+    return int(value);
+}
+
+float NumberText::unitFraction(float value)
+{
+    if (!(value > 0.0f))
+        return 0.0f;
+    return value < 1.0f ? value : 1.0f;
 }
 
 void NumberText::appendPoints(QList<QPointF> &out, QStringView text)

@@ -28,6 +28,12 @@ public:
     static void appendInts(QList<int> &out, QStringView text);
     static void appendFloats(QList<float> &out, QStringView text);
 
+    // Towards zero, held to the int range; NaN gives 0. Hosts pass any float
+    // as a width, and a plain cast of a value past the range is undefined.
+    static int saturatedInt(double value);
+    // Held to 0..1, NaN giving 0: Qt warns about an alpha outside that range.
+    static float unitFraction(float value);
+
     // "%.2f,%.2f" per pair, pairs joined by one blank.
     static QString pointsText(const QList<QPointF> &points);
     // first "%d" / "%.2f", further ",%d" / ",%.2f".

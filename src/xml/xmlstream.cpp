@@ -2,6 +2,7 @@
 
 #include "domwriter.h"
 #include "numbertext.h"
+#include "xmlname.h"
 
 #include <QDomElement>
 #include <QDomNamedNodeMap>
@@ -376,8 +377,10 @@ QDomNode QXmlStream::getParentNode(const QDomNode &node)
 
 QDomNode QXmlStream::newChildNode(QDomNode parent, const QString &tagName, const QString &value)
 {
-    if (parent.isNull())
-        return QDomNode(); // Qt would warn about appending to a null node
+    // Qt would warn about appending to a null node, and a name that does not
+    // read back would cost the whole file on the next open.
+    if (parent.isNull() || !XmlName::isQualifiedName(tagName))
+        return QDomNode();
     QDomElement element = m_document.createElement(tagName);
     element.appendChild(m_document.createTextNode(value));
     return parent.appendChild(element);
@@ -446,21 +449,23 @@ bool QXmlStream::getNodeAttribute(const QDomNode &node, const QString &name, QSt
 }
 
 // The flag of the setters is accepted and ignored: an attribute is always
-// created or overwritten.
-bool QXmlStream::setNodeAttribute(const QDomNode &node, const QString &name, int value, bool)
+// created or overwritten, unless its name would not read back.
+bool QXmlStream::setNodeAttribute(const QDomNode &node, const QString &name, int value, bool flag)
 {
-    node.toElement().setAttribute(name, value);
-    return true;
+    QString text;
+    NumberText::appendInt(text, value);
+    return setNodeAttribute(node, name, text, flag);
 }
 
-bool QXmlStream::setNodeAttribute(const QDomNode &node, const QString &name, float value, bool)
+bool QXmlStream::setNodeAttribute(const QDomNode &node, const QString &name, float value, bool flag)
 {
-    node.toElement().setAttribute(name, NumberText::floatAttribute(value));
-    return true;
+    return setNodeAttribute(node, name, NumberText::floatAttribute(value), flag);
 }
 
 bool QXmlStream::setNodeAttribute(const QDomNode &node, const QString &name, const QString &value, bool)
 {
+    if (!XmlName::isQualifiedName(name))
+        return false;
     node.toElement().setAttribute(name, value);
     return true;
 }
