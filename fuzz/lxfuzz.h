@@ -128,13 +128,42 @@ inline void walkNode(QXmlStream &xml, const QDomNode &node, int depth)
     xml.getLastChildNode(node);
 }
 
+// Each line of the input as a name given to the setters and creators of an
+// object and a command: whatever they take must read back.
+inline QString runNames(const QByteArray &data)
+{
+    QXmlStream xml;
+    xml.createXmlStream(QStringLiteral("svg"));
+    QLXObject *const object = new QLXObject(&xml, xml.getRootNode());
+    QLXCmd *const cmd = new QLXCmd(&xml, xml.getRootNode());
+    const QList<QByteArray> lines = data.split('\n');
+    for (int i = 0; i < lines.size() && i < maxSiblings; ++i) {
+        const QString name = QString::fromUtf8(lines.at(i));
+        object->setLXObjectAttribute(name, i);
+        object->setLXObjectAttribute(name, 0.5f);
+        cmd->setLXCmdAttribute(name, name);
+        if (ILXObject *child = object->newLXObject(name)) {
+            child->setLXObjectAttribute(name, name);
+            child->release();
+        }
+        if (ILXCmd *child = cmd->newLXCmd(name))
+            child->release();
+    }
+    object->release();
+    cmd->release();
+    QXmlStream again;
+    if (!again.loadFromXmlStream(xml.getXmlStream()))
+        return QStringLiteral("a name taken by a setter does not read back");
+    return QString();
+}
+
 // Parses the text as a whole XML document, walks every node through the
 // typed readers, edits a little and serialises the result.
 inline QString runXmlStream(const QByteArray &data)
 {
     QXmlStream xml;
     if (!xml.loadFromXmlStream(QString::fromUtf8(data)))
-        return QString();
+        return runNames(data);
     const QDomNode root = xml.getRootNode();
     walkNode(xml, root, 0);
     const QDomNode added = xml.newChildNode(root, QStringLiteral("probe"), QStringLiteral("1.5"));
@@ -159,7 +188,7 @@ inline QString runXmlStream(const QByteArray &data)
     }
     again.closeFile(false);
     xml.closeFile(false);
-    return QString();
+    return runNames(data);
 }
 
 // ---------------------------------------------------------------- objects

@@ -235,6 +235,35 @@ private slots:
         QCOMPARE(listed(folder, "records"), QStringList());
     }
 
+    // With no document the page paths would name the file-system root.
+    void pagesWithoutDocument()
+    {
+        const int id = 918273;
+        const QStringList strays = {QString("/page%1.svg").arg(id), QString("/page%1.mtrec").arg(id)};
+        ScopedDocument doc;
+        QList<bool> opened;
+        for (ILXFrontPage *page : {doc->insertFrontPage(0, id), doc->getPageById(id)}) {
+            QVERIFY(page);
+            opened << page->setPageTitle("t");
+            page->release();
+        }
+        for (ILXRecordPage *page : {doc->insertRecPage(0, id), doc->getRecPageById(id)}) {
+            QVERIFY(page);
+            opened << page->saveFile();
+            page->release();
+        }
+        int index = -1;
+        QVERIFY(!doc->getPageByIndex(0, index));
+        QStringList written;
+        for (const QString &stray : strays) {
+            if (QFile::remove(stray))
+                written << stray;
+        }
+        QCOMPARE(written, QStringList());
+        QCOMPARE(opened, QList<bool>(4, false));
+        QCOMPARE(doc->getPagesCount(), 0);
+    }
+
     void adjustPageIndex_data()
     {
         QTest::addColumn<int>("newIndex");

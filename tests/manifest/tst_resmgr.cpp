@@ -59,6 +59,7 @@ private slots:
         QTest::newRow("no dot doubles the name") << "/x/README" << "images/README.README";
         QTest::newRow("dot in folder only") << "/x.d/notes" << "images/notes.notes";
         QTest::newRow("no slash") << "clip.ogg" << "images/clip.ogg";
+        QTest::newRow("control character left out") << "/x/bell\x01.png" << "images/bell.png";
     }
 
     void naming()
@@ -129,6 +130,19 @@ private slots:
         QVERIFY(m_resMgr->addFillblockFile(block, path));
         QVERIFY(m_resMgr->addFillblockFile(block, path));
         QCOMPARE(path, copied("fillblocks/block1.fb"));
+    }
+
+    // The copy and the manifest carry one name, so a later file of the
+    // cleaned name gets a name of its own.
+    void cleanedNameIsTheCopysName()
+    {
+        QString first;
+        QString second;
+        QVERIFY(m_resMgr->addSoundFile(source("bell\x01.wav", "one"), first));
+        QVERIFY(m_resMgr->addSoundFile(source("bell.wav", "two"), second));
+        QCOMPARE(QStringList({first, second}), QStringList({copied("sounds/bell.wav"), copied("sounds/bell1.wav")}));
+        QCOMPARE(readBytes(first) + readBytes(second), QByteArray("onetwo"));
+        QCOMPARE(listOnDisk("sounds"), QStringList({"sounds/bell.wav", "sounds/bell1.wav"}));
     }
 };
 

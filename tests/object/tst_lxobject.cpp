@@ -3,6 +3,8 @@
 
 #include <QtTest>
 
+#include <limits>
+
 using Points = QList<QPointF>;
 
 class TestLXObject : public QObject {
@@ -61,6 +63,52 @@ private slots:
         QCOMPARE(color, QColor::fromRgbF(1, 0, 0, 0.25));
         m_obj->setLXObjectAttribute("fill", QString());
         QVERIFY(m_obj->getFill(filled, color) && filled && !color.isValid());
+    }
+
+    // Qt's alpha is 0..1; a stray value in a file reads as the nearest end.
+    void fillOpacityOutOfRange_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<qreal>("alpha");
+        QTest::newRow("below") << "-0.5" << 0.0;
+        QTest::newRow("above") << "1.5" << 1.0;
+        QTest::newRow("not a number") << "nan" << 0.0;
+    }
+
+    void fillOpacityOutOfRange()
+    {
+        QFETCH(QString, stored);
+        QFETCH(qreal, alpha);
+        QVERIFY(m_obj->setFill(true, Qt::red) && m_obj->setLXObjectAttribute("opacity", stored));
+        bool filled = false;
+        QColor color;
+        QVERIFY(m_obj->getFill(filled, color));
+        QCOMPARE(color.alphaF(), alpha);
+    }
+
+    // Any float a host passes as a width gives a defined pattern.
+    void dashWidthsSaturate_data()
+    {
+        QTest::addColumn<float>("width");
+        QTest::addColumn<QString>("dash");
+        QTest::newRow("ordinary") << 2.9f << "6,2";
+        QTest::newRow("NaN") << std::numeric_limits<float>::quiet_NaN() << "0,0";
+        QTest::newRow("+inf") << std::numeric_limits<float>::infinity() << "2147483647,2147483647";
+        QTest::newRow("-inf") << -std::numeric_limits<float>::infinity() << "-2147483648,-2147483648";
+        QTest::newRow("1e9") << 1e9f << "2147483647,1000000000";
+        QTest::newRow("1e10") << 1e10f << "2147483647,2147483647";
+        QTest::newRow("-1e10") << -1e10f << "-2147483648,-2147483648";
+    }
+
+    void dashWidthsSaturate()
+    {
+        QFETCH(float, width);
+        QFETCH(QString, dash);
+        QVERIFY(m_obj->setStrokeDashArray(Qt::DashLine, width));
+        QCOMPARE(attr("stroke-dasharray"), dash);
+        Qt::PenStyle style = Qt::DashLine;
+        QVERIFY(m_obj->setTextFrame(Qt::black, width, style, false, Qt::red));
+        QCOMPARE(attr(m_xml->getChildNode(m_node, QStringLiteral("rect")), "stroke-dasharray"), dash);
     }
 
     void lockedOnlyWhenOne()

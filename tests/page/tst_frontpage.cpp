@@ -195,6 +195,13 @@ private slots:
         QCOMPARE(href, QString("images/board.png"));
         QVERIFY(back->setPageBgTempl("", sized) && !back->getPageBgTempl(href, size));
         QCOMPARE(size, QSize(640, 480));
+        // Absent texts read as empty, not null, as hosts test with isNull.
+        PagePtr plain(new QLXFrontPage(path("plain.svg")));
+        QVERIFY(plain->setPageBgColor(Qt::red));
+        href = "stale";
+        QVERIFY(!plain->getPageBgTempl(href, size) && !href.isNull() && href.isEmpty());
+        href = "stale";
+        QVERIFY(!plain->getLXPageAttribute("none", href) && !href.isNull() && href.isEmpty());
     }
 
     void gridRoundTrip_data()
@@ -204,6 +211,7 @@ private slots:
         QTest::addColumn<QString>("dash");
         QTest::newRow("solid") << int(Qt::SolidLine) << 1.0f << "";
         QTest::newRow("dot truncates width") << int(Qt::DotLine) << 2.7f << "2,2";
+        QTest::newRow("dot, width past int") << int(Qt::DotLine) << 1e10f << "2147483647,2147483647";
     }
 
     void gridRoundTrip()
@@ -288,6 +296,32 @@ private slots:
         QString got;
         QVERIFY(!object || object->getClass(got));
         QCOMPARE(got, cls);
+    }
+
+    // From the page's own stream the found object moves to the end of the
+    // layer, unless it is the layer or holds it.
+    void takeOverFromOwnStream_data()
+    {
+        QTest::addColumn<QString>("content");
+        QTest::addColumn<bool>("moved");
+        QTest::addColumn<QStringList>("children");
+        QTest::newRow("object moves") << "<svg><rect class=\"a\"/><circle/></svg>" << true
+                                      << QStringList({"circle", "rect"});
+        QTest::newRow("layer refused") << "<svg><g class=\"foreground\"><rect class=\"a\"/></g></svg>"
+                                       << false << QStringList({"g"});
+        QTest::newRow("root above layer refused") << "<svg class=\"x\"><g class=\"foreground\"/></svg>"
+                                                  << false << QStringList({"g"});
+    }
+
+    void takeOverFromOwnStream()
+    {
+        QFETCH(QString, content);
+        QFETCH(bool, moved);
+        QFETCH(QStringList, children);
+        PagePtr page(new QLXFrontPage(write("own.svg", content)));
+        ObjPtr object(page->newLXObjectFromXmlStream(page->getXmlStream()));
+        QCOMPARE(bool(object), moved);
+        QCOMPARE(childNames(page->getXmlStream()->getRootNode()), children);
     }
 
     void firstObjectMakesForegroundGroup()

@@ -56,6 +56,14 @@ private slots:
         QCOMPARE(text("gid"), QString("3,17,42"));
     }
 
+    // Absent texts read as empty, not null, as hosts test with isNull.
+    void absentTextsAreEmpty()
+    {
+        QString cls = "stale", value = "stale";
+        QVERIFY(!m_cmd->getClass(cls) && !m_cmd->getLXCmdAttribute("none", value));
+        QVERIFY(!cls.isNull() && cls.isEmpty() && !value.isNull() && value.isEmpty());
+    }
+
     void listResultRules()
     {
         IntList stored{1, 2}, ids, ints{7};

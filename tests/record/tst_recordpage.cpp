@@ -37,6 +37,12 @@ private slots:
         float missing = 1.0f;
         QVERIFY(!page->getLXPageAttribute("zoom", missing));
         QCOMPARE(missing, 0.0f);
+        // Absent texts read as empty, not null, as hosts test with isNull.
+        QString text = "stale";
+        QVERIFY(!page->getLXPageAttribute("title", text) && !text.isNull() && text.isEmpty());
+        QLXRecordPage unopened;
+        text = "stale";
+        QVERIFY(!unopened.getClass(text) && !text.isNull() && text.isEmpty());
         QVERIFY(page->setLXPageAttribute("zoom", 0.5f));
         QVERIFY(page->saveFile());
         QCOMPARE(rootOf(file).attribute("class") + rootOf(file).attribute("zoom"), QString("page0.5"));

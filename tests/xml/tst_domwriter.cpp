@@ -141,6 +141,30 @@ private slots:
         QCOMPARE(text.nodeValue(), bad); // the tree itself is left as it is
     }
 
+    // Names come in checked; the writer still never lets through one that
+    // would make the file unreadable.
+    void leavesOutNamesThatWouldNotReadBack()
+    {
+        QDomDocument document;
+        QDomElement root = document.createElement("r");
+        document.appendChild(root);
+        root.setAttribute("1x", "a");
+        root.setAttribute("a:b:c", "b");
+        root.setAttribute(QString::fromUtf8("\xc3\xa9"), "c");
+        QDomElement bad = document.createElement("a b");
+        bad.appendChild(document.createElement("inner"));
+        root.appendChild(bad);
+        root.appendChild(document.createElement("kept"));
+
+        QDomDocument back;
+        QVERIFY(back.setContent(DomWriter::toUtf8(document, 4), false));
+        const QDomElement element = back.documentElement();
+        QCOMPARE(element.attributes().count(), 1);
+        QCOMPARE(element.attribute(QString::fromUtf8("\xc3\xa9")), QStringLiteral("c"));
+        QCOMPARE(element.childNodes().count(), 1);
+        QCOMPARE(element.firstChildElement().tagName(), QStringLiteral("kept"));
+    }
+
     void declaredEncodingBecomesUtf8()
     {
         QDomDocument document;

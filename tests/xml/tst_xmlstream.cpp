@@ -268,6 +268,11 @@ private slots:
         QCOMPARE(stream->getChildNodesCount(root), 2);
         QCOMPARE(stream->getChildNodesCount(QDomNode()), 0);
         QVERIFY(stream->newChildNode(QDomNode(), "a", "v").isNull());
+        MessageCounter counter;
+        QVERIFY(stream->newChildNode(root, QString(), "v").isNull());
+        QVERIFY(!stream->setNodeAttribute(root, QString(), 1, true));
+        QCOMPARE(s_messages, 0);
+        QCOMPARE(stream->getChildNodesCount(root), 2);
     }
 
     void attributeSearches()
