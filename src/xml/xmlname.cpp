@@ -6,6 +6,10 @@
 
 namespace {
 
+// Qt 6's reader refuses longer names, so a file holding one would not open
+// again.
+constexpr qsizetype maxNameLength = 4096;
+
 bool inRange(uint c, uint low, uint high)
 {
     return c >= low && c <= high;
@@ -112,6 +116,8 @@ bool hasNamedAttributes(const QDomNode &node)
 
 bool XmlName::isQualifiedName(QStringView name)
 {
+    if (name.size() > maxNameLength)
+        return false;
     const qsizetype colon = name.indexOf(u':');
     const bool valid = colon < 0 ? isPlainName(name)
                                  : isPlainName(name.left(colon)) && isPlainName(name.mid(colon + 1));

@@ -241,7 +241,7 @@ private slots:
         const int id = 918273;
         const QStringList strays = {QString("/page%1.svg").arg(id), QString("/page%1.mtrec").arg(id)};
         ScopedDocument doc;
-        QList<bool> opened;
+        QVector<bool> opened;
         for (ILXFrontPage *page : {doc->insertFrontPage(0, id), doc->getPageById(id)}) {
             QVERIFY(page);
             opened << page->setPageTitle("t");
@@ -260,7 +260,7 @@ private slots:
                 written << stray;
         }
         QCOMPARE(written, QStringList());
-        QCOMPARE(opened, QList<bool>(4, false));
+        QCOMPARE(opened, QVector<bool>(4, false));
         QCOMPARE(doc->getPagesCount(), 0);
     }
 

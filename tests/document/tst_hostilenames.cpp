@@ -59,7 +59,7 @@ private slots:
         QList<int> ints = {1, 2};
         const QString value = QStringLiteral("v");
 
-        const QList<bool> results = {
+        const QVector<bool> results = {
             page->setLXPageAttribute(name, 1), page->setLXPageAttribute(name, 1.5f),
             page->setLXPageAttribute(name, value),
             object->setLXObjectAttribute(name, 1), object->setLXObjectAttribute(name, 1.5f),
@@ -75,7 +75,7 @@ private slots:
             made(static_cast<QLXFrontPage *>(page)->newLXObjectFromSVG(
                 "<svg><g class=\"pasted\" " + name + "=\"v\"/></svg>")),
         };
-        QCOMPARE(results, QList<bool>(results.size(), valid));
+        QCOMPARE(results, QVector<bool>(results.size(), valid));
 
         for (ILXObject *handle : {object, text})
             handle->release();
