@@ -1,4 +1,3 @@
-#include "hostilenames.h"
 #include "xml/xmlname.h"
 
 #include <QDomDocument>
@@ -8,15 +7,6 @@ class TestXmlName : public QObject {
     Q_OBJECT
 
 private slots:
-    void qualifiedName_data() { addHostileNameRows(); }
-
-    void qualifiedName()
-    {
-        QFETCH(QString, name);
-        QFETCH(bool, valid);
-        QCOMPARE(XmlName::isQualifiedName(name), valid);
-    }
-
     void namedTree_data()
     {
         QTest::addColumn<QString>("innerName");
