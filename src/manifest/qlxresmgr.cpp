@@ -87,7 +87,8 @@ bool QLXResMgr::getNewFilePath(const QString &source, const QString &subfolder, 
     // The copy is named as the manifest will list it: a character the
     // manifest cannot carry is left out of both, and the no-clash rule below
     // sees the name that is really used.
-    const QString fileName = XmlName::carried(QStringView(source).mid(source.lastIndexOf(QLatin1Char('/')) + 1));
+    const qsizetype slash = source.lastIndexOf(QLatin1Char('/'));
+    const QString fileName = XmlName::carried(QStringView(source).mid(slash + 1));
     const int dot = fileName.lastIndexOf(QLatin1Char('.'));
     // A name without a dot serves as both base and extension (README is
     // stored as README.README), which existing documents already contain.
