@@ -154,10 +154,13 @@ void TestRecovery::recoverLeavesFoldersOfOthers()
                       QStringLiteral("--older-than"), QStringLiteral("0")}).status, 1);
     QVERIFY(QFileInfo(lesson + QStringLiteral("/manifest.xml")).isFile());
 
-    // A folder a running host holds stays.
+    // A folder a running host holds stays; a host keeps its manifest open
+    // from its first save on.
     const QString name = QStringLiteral("held-by-host");
     QProcess host;
-    host.start(kBin + QStringLiteral("/lxdoc-crashhost"), {name, QStringLiteral("1"), QStringLiteral("--hold")});
+    host.start(kBin + QStringLiteral("/lxdoc-crashhost"), {name, QStringLiteral("1"), path(QStringLiteral("held.lzn")),
+                                                            QStringLiteral("--pack-every"), QStringLiteral("1"),
+                                                            QStringLiteral("--hold")});
     while (!host.readAllStandardOutput().contains("holding") && host.waitForReadyRead(60000)) {
     }
     const QString folder = kBin + QStringLiteral("/Temp/") + name;

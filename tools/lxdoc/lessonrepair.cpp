@@ -69,7 +69,7 @@ bool LessonRepair::run()
 
 void LessonRepair::setAside(const QString &name, const QString &problem)
 {
-    const QDir folder(m_folder);
+    QDir folder(m_folder);
     QString target = setAsideName(name);
     for (int n = 1; folder.exists(target); ++n)
         target = setAsideName(name) + QString::number(n);

@@ -18,6 +18,11 @@ namespace {
 
 const QByteArray kLocalHeader("PK\x03\x04", 4);
 const QByteArray kDirectoryEnd("PK\x05\x06", 4);
+constexpr qint64 MaxExpandedTotal = qint64(4) << 30;
+constexpr qint64 RatioCheckedFrom = qint64(16) << 20;
+constexpr qint64 MaxRatio = 1000;
+constexpr int MaxEntries = 100000;
+
 // The end record sits in the last 22 bytes plus a comment of at most 64 KiB.
 const qint64 kDirectoryEndReach = 22 + 65535;
 

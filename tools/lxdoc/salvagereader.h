@@ -18,14 +18,10 @@ struct archive_entry;
 //
 // The archive is hostile input, read under the unpacking rules: names that
 // lead outside the folder, links, devices and encrypted entries are refused
-// one by one; too many entries or too many unpacked bytes stop the reading.
+// one by one; too many entries or too many unpacked bytes stop the reading,
+// at the limits unpacking uses.
 class SalvageReader {
 public:
-    static constexpr qint64 MaxExpandedTotal = qint64(4) << 30;
-    static constexpr qint64 RatioCheckedFrom = qint64(16) << 20;
-    static constexpr qint64 MaxRatio = 1000;
-    static constexpr int MaxEntries = 100000;
-
     explicit SalvageReader(const QString &archive);
 
     // False when nothing sensible could be read or a limit was reached; what
