@@ -20,7 +20,7 @@ int report(const SalvageReader &reader, const LessonRescue &rescue, const QStrin
         Console::out(QStringLiteral("  lost: the archive's directory is missing (cut short?): "
                                     "entries after the last one read cannot be known"));
     for (const QString &line : rescue.repairs())
-        Console::out(QStringLiteral("  rebuilt: %1").arg(line));
+        Console::out(QStringLiteral("  repaired: %1").arg(line));
     for (const QString &line : rescue.losses())
         Console::out(QStringLiteral("  lost: %1").arg(line));
     Console::out(QStringLiteral("%1: %2 page(s) recovered").arg(output).arg(rescue.pageCount()));
@@ -53,7 +53,9 @@ int SalvageCommand::run(const QStringList &arguments)
     if (!temp.isValid())
         return Console::fail(failure.arg(broken, QStringLiteral("cannot make a temporary folder")));
     SalvageReader reader(broken);
-    if (!reader.readInto(temp.path()))
+    const bool read = reader.readInto(temp.path());
+    Console::endProgress();
+    if (!read)
         return Console::fail(failure.arg(broken, reader.errorString()));
     LessonRescue rescue(temp.path(), false);
     if (!rescue.writeTo(output))

@@ -1,5 +1,7 @@
 #include "salvagereader.h"
 
+#include "console.h"
+
 #include "document/lessonpath.h"
 
 #include <QDir>
@@ -22,6 +24,8 @@ constexpr qint64 MaxExpandedTotal = qint64(4) << 30;
 constexpr qint64 RatioCheckedFrom = qint64(16) << 20;
 constexpr qint64 MaxRatio = 1000;
 constexpr int MaxEntries = 100000;
+constexpr qint64 MaxArchive = qint64(1) << 30;
+constexpr int kTailPadding = 64;
 
 // The end record sits in the last 22 bytes plus a comment of at most 64 KiB.
 const qint64 kDirectoryEndReach = 22 + 65535;
@@ -59,9 +63,16 @@ bool SalvageReader::readInto(const QString &folder)
     if (!file.open(QIODevice::ReadOnly))
         return fail(file.errorString());
     m_archiveSize = file.size();
-    const uchar *data = m_archiveSize > 0 ? file.map(0, m_archiveSize) : nullptr;
-    if (!data)
+    if (m_archiveSize > MaxArchive)
+        return fail(QStringLiteral("larger than 1 GiB"));
+    // The reader looks up to 24 bytes past an entry's data for the largest
+    // form of its trailing sizes record; zeros after the end let an entry
+    // that ends just before a cut be read, its CRC checked all the same.
+    QByteArray bytes = file.read(m_archiveSize);
+    if (bytes.size() != m_archiveSize || bytes.isEmpty())
         return fail(QStringLiteral("the file is empty or cannot be read"));
+    bytes.append(QByteArray(kTailPadding, '\0'));
+    const uchar *data = reinterpret_cast<const uchar *>(bytes.constData());
     const qint64 tail = qMax<qint64>(0, m_archiveSize - kDirectoryEndReach);
     m_endsEarly = findFrom(data, m_archiveSize, tail, kDirectoryEnd) < 0;
     qint64 start = findFrom(data, m_archiveSize, 0, kLocalHeader);
@@ -69,7 +80,7 @@ bool SalvageReader::readInto(const QString &folder)
         return fail(QStringLiteral("no ZIP entry found: not a lesson archive"));
     while (start >= 0) {
         qint64 resumeAt = -1;
-        if (!readFrom(data, m_archiveSize, start, &resumeAt))
+        if (!readFrom(data, bytes.size(), start, &resumeAt))
             return false;
         start = resumeAt < 0 ? -1 : findFrom(data, m_archiveSize, resumeAt, kLocalHeader);
     }
@@ -90,6 +101,7 @@ bool SalvageReader::readFrom(const uchar *data, qint64 size, qint64 start, qint6
         const qint64 header = start + archive_read_header_position(reader.get());
         if (status == ARCHIVE_EOF)
             return true;
+        Console::progress(int(header >> 10), int(size >> 10), QStringLiteral("reading (KiB)"));
         if (status < ARCHIVE_WARN || !readEntry(reader.get(), entry)) {
             if (!m_error.isEmpty())
                 return false;
