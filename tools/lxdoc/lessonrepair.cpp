@@ -225,11 +225,6 @@ void LessonRepair::lose(const QString &line)
     m_changed = true;
 }
 
-bool LessonRepair::changed() const
-{
-    return m_changed;
-}
-
 QStringList LessonRepair::repairs() const
 {
     return m_repairs;

@@ -26,7 +26,6 @@ public:
 
     // False only when the repaired manifest cannot be written.
     bool run();
-    bool changed() const;
     // What was put right, one line each.
     QStringList repairs() const;
     // What the lesson no longer has, one line each.

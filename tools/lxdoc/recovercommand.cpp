@@ -79,7 +79,10 @@ int RecoverCommand::run(const QStringList &arguments)
 int RecoverCommand::list(const QStringList &roots, const QString &archiveFolder)
 {
     for (const QString &root : roots) {
-        const QList<WorkingFolder> folders = WorkingFolder::scan(root, archiveFolder);
+        // A working folder named by itself is described alone.
+        const QList<WorkingFolder> folders = FileTree::isLessonFolder(root)
+            ? QList<WorkingFolder>{WorkingFolder(root, archiveFolder)}
+            : WorkingFolder::scan(root, archiveFolder);
         if (folders.isEmpty())
             Console::out(QStringLiteral("%1: no working folders").arg(root));
         for (const WorkingFolder &folder : folders)

@@ -3,8 +3,6 @@
 
 #include <QStringList>
 
-class CommandLine;
-
 // lxdoc recover: the working folders that hosts which died left under their
 // temp root, listed, packed into lessons or removed.
 class RecoverCommand {

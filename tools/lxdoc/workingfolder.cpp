@@ -80,19 +80,9 @@ QString WorkingFolder::path() const
     return m_path;
 }
 
-int WorkingFolder::pageCount() const
-{
-    return m_pageCount;
-}
-
 QDateTime WorkingFolder::newest() const
 {
     return m_newest;
-}
-
-QString WorkingFolder::archive() const
-{
-    return m_archive;
 }
 
 bool WorkingFolder::isNewerThanArchive() const

@@ -15,12 +15,7 @@ public:
     WorkingFolder(const QString &path, const QString &archiveFolder);
 
     QString path() const;
-    int pageCount() const;
     QDateTime newest() const;
-    // The archive it was unpacked from, empty when none is found.
-    QString archive() const;
-    bool isNewerThanArchive() const;
-    bool isNewLesson() const;
     // A process that holds a file open in it (a host still running), or 0.
     qint64 holder() const;
     // One line for the listing.
@@ -28,10 +23,13 @@ public:
 
 private:
     void findArchive(const QString &archiveFolder);
+    bool isNewerThanArchive() const;
+    bool isNewLesson() const;
 
     QString m_path;
     int m_pageCount = 0;
     QDateTime m_newest;
+    // The archive it was unpacked from, empty when none is found.
     QString m_archive;
 };
 
