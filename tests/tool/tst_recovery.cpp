@@ -201,8 +201,10 @@ void TestRecovery::salvageDamagedArchive()
         bytes.truncate(bytes.indexOf(QByteArray("PK\x01\x02", 4)));
     else if (damage == QLatin1String("cut-page3"))
         bytes.truncate(qMax(dataOf("page3.svg"), dataOf("page3.mtrec")) + 4);
-    else if (damage.startsWith(QLatin1String("flip-")))
-        bytes[dataOf(damage.mid(5).toUtf8() + (damage.endsWith(QLatin1String("manifest")) ? ".xml" : ".svg"))] ^= 0x55;
+    else if (damage.startsWith(QLatin1String("flip-"))) {
+        const int at = dataOf(damage.mid(5).toUtf8() + (damage.endsWith(QLatin1String("manifest")) ? ".xml" : ".svg"));
+        bytes[at] = char(bytes.at(at) ^ 0x55);
+    }
     const QString broken = path(damage + QStringLiteral(".lzn"));
     QVERIFY(writeFile(broken, bytes));
     const QString output = path(damage + QStringLiteral("-salvaged.lzn"));
