@@ -131,7 +131,9 @@ void TestRecovery::recoverKilledHost()
 
     const QString output = path(name + QStringLiteral("-recovered.lzn"));
     const Run recovered = runTool({QStringLiteral("recover"), folder, output});
-    QVERIFY2(recovered.status == 0, qPrintable(recovered.out + recovered.err));
+    // A page being inserted at the kill may have an empty file: set aside
+    // and reported, so the run counts as partial.
+    QVERIFY2(recovered.status == 0 || recovered.status == 3, qPrintable(recovered.out + recovered.err));
     const QList<int> ids = pageIds(output);
     QVERIFY2(ids.size() >= savedPages, qPrintable(recovered.out));
     QCOMPARE(ids.mid(0, savedPages), firstIds(savedPages));
@@ -139,7 +141,7 @@ void TestRecovery::recoverKilledHost()
 
     // Never over an existing file without --force; the folder is left as it was.
     QCOMPARE(runTool({QStringLiteral("recover"), folder, output}).status, 1);
-    QCOMPARE(runTool({QStringLiteral("recover"), folder, output, QStringLiteral("--force")}).status, 0);
+    QCOMPARE(runTool({QStringLiteral("recover"), folder, output, QStringLiteral("--force")}).status, recovered.status);
     QCOMPARE(runTool({QStringLiteral("recover"), QStringLiteral("--remove"), folder}).status, 0);
     QVERIFY(!QFileInfo::exists(folder));
 }
