@@ -3,10 +3,13 @@
 
 #include <QStringList>
 
-// "lxdoc check": what is inconsistent or broken in a lesson; only reads it.
 class CheckCommand {
 public:
     static int run(const QStringList &arguments);
+
+private:
+    static int check(const QString &path, const QString &folder);
+    static int fix(const QString &path, bool backup);
 };
 
 #endif

@@ -6,7 +6,9 @@
 #include "dumpcommand.h"
 #include "infocommand.h"
 #include "packcommand.h"
+#include "recovercommand.h"
 #include "rendercommand.h"
+#include "salvagecommand.h"
 #include "unpackcommand.h"
 
 namespace {
@@ -26,6 +28,8 @@ const Command commands[] = {
     {"render", "draw every page to PNG (and to one PDF)", &RenderCommand::run},
     {"pack", "pack a lesson folder into an archive", &PackCommand::run},
     {"unpack", "unpack a lesson archive into a folder", &UnpackCommand::run},
+    {"recover", "list, recover or remove the working folders of hosts that died", &RecoverCommand::run},
+    {"salvage", "read what is left of a damaged archive into a new lesson", &SalvageCommand::run},
 };
 
 } // namespace

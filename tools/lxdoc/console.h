@@ -6,7 +6,9 @@
 enum ExitStatus {
     ExitOk = 0,
     ExitFailure = 1,
-    ExitUsage = 2
+    ExitUsage = 2,
+    // A rescue that brought back only part of a lesson.
+    ExitPartial = 3
 };
 
 // The tool's only ways to talk: results on stdout, one-line errors and

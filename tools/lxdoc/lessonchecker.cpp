@@ -2,12 +2,14 @@
 
 #include "console.h"
 #include "filetree.h"
+#include "lessonrepair.h"
 #include "manifestreader.h"
+#include "xmlfilecheck.h"
+
+#include "document/lessonpath.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <QXmlStreamReader>
 
 namespace {
 
@@ -104,6 +106,9 @@ void LessonChecker::checkUnlistedPages(const ManifestReader &manifest)
         if (!listed.contains(file))
             m_notes << QStringLiteral("%1: present but not listed in the manifest (left by a deleted page?)").arg(file);
     }
+    const QString setAside = LessonRepair::setAsideName(QStringLiteral("*")) + QLatin1Char('*');
+    for (const QString &file : QDir(m_folder).entryList({setAside}, QDir::Files, QDir::Name))
+        m_notes << QStringLiteral("%1: set aside by a repair because it could not be read; the lesson no longer lists it").arg(file);
 }
 
 void LessonChecker::checkDuplicates(const QStringList &entries, const QString &list)
@@ -124,21 +129,8 @@ bool LessonChecker::isInside(const QString &entry) const
 
 QString LessonChecker::xmlProblem(const QString &name, const QString &root) const
 {
-    QFile file(QDir(m_folder).filePath(name));
-    if (!file.exists())
-        return name == kManifest ? QStringLiteral("missing, so this is not a lesson") : QStringLiteral("missing");
-    if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("cannot be read (%1)").arg(file.errorString());
-    QXmlStreamReader reader(&file);
-    reader.setNamespaceProcessing(false);
-    const bool hasRoot = reader.readNextStartElement();
-    const QString rootName = reader.name().toString();
-    while (!reader.atEnd())
-        reader.readNext();
-    if (reader.hasError())
-        return QStringLiteral("not well-formed XML (line %1, column %2: %3)")
-            .arg(reader.lineNumber()).arg(reader.columnNumber()).arg(reader.errorString());
-    if (!hasRoot || rootName != root)
-        return QStringLiteral("the root element is <%1>, expected <%2>").arg(rootName, root);
-    return QString();
+    const QString problem = XmlFileCheck::problem(m_folder, name, root);
+    if (name == kManifest && problem == LessonPath::verdictText(LessonPath::Missing))
+        return QStringLiteral("missing, so this is not a lesson");
+    return problem;
 }
