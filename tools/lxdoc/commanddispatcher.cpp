@@ -4,6 +4,8 @@
 #include "console.h"
 #include "democommand.h"
 #include "dumpcommand.h"
+#include "exportcommand.h"
+#include "importcommand.h"
 #include "infocommand.h"
 #include "packcommand.h"
 #include "rendercommand.h"
@@ -26,6 +28,8 @@ const Command commands[] = {
     {"render", "draw every page to PNG (and to one PDF)", &RenderCommand::run},
     {"pack", "pack a lesson folder into an archive", &PackCommand::run},
     {"unpack", "unpack a lesson archive into a folder", &UnpackCommand::run},
+    {"import", "make a lesson from PDF files and pictures", &ImportCommand::run},
+    {"export", "write a lesson as a web page that opens in any browser", &ExportCommand::run},
 };
 
 } // namespace
