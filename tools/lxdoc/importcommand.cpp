@@ -27,7 +27,7 @@ int ImportCommand::run(const QStringList &arguments)
     CommandLine line(QStringLiteral("import"),
                      QStringLiteral("Makes a lesson from PDF files and pictures: one page per PDF page or picture, "
                                     "the picture filling the page, locked."));
-    line.addArgument(QStringLiteral("SOURCE"),
+    line.addArgument(QStringLiteral("SOURCE..."),
                      QStringLiteral("A PDF file, a picture, or a folder of pictures (taken in natural name order)."));
     line.addArgument(QStringLiteral("OUTPUT"), QStringLiteral("The lesson archive to write (.lzn)."));
     line.allowMore();
