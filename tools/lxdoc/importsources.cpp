@@ -2,11 +2,11 @@
 
 #include "pdffile.h"
 
-#include <QCollator>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -22,6 +22,40 @@ bool isPictureName(const QString &name)
 {
     const QByteArray suffix = QFileInfo(name).suffix().toLower().toLatin1();
     return !suffix.isEmpty() && QImageReader::supportedImageFormats().contains(suffix);
+}
+
+// Runs of digits compare by value, the rest without regard to case, so
+// "page2" comes before "page10" in any locale.
+bool naturalLess(const QString &a, const QString &b)
+{
+    int i = 0;
+    int j = 0;
+    while (i < a.size() && j < b.size()) {
+        if (a.at(i).isDigit() && b.at(j).isDigit()) {
+            const int startA = i;
+            const int startB = j;
+            while (i < a.size() && a.at(i).isDigit())
+                ++i;
+            while (j < b.size() && b.at(j).isDigit())
+                ++j;
+            // Leading zeros do not count; a longer run of digits is a larger number.
+            const QString numberA = a.mid(startA, i - startA).remove(QRegularExpression(QStringLiteral("^0+(?=\\d)")));
+            const QString numberB = b.mid(startB, j - startB).remove(QRegularExpression(QStringLiteral("^0+(?=\\d)")));
+            if (numberA.size() != numberB.size())
+                return numberA.size() < numberB.size();
+            if (numberA != numberB)
+                return numberA < numberB;
+            continue;
+        }
+        const int order = QString::compare(a.at(i), b.at(j), Qt::CaseInsensitive);
+        if (order != 0)
+            return order < 0;
+        ++i;
+        ++j;
+    }
+    if ((a.size() - i) != (b.size() - j))
+        return (a.size() - i) < (b.size() - j);
+    return a < b;
 }
 
 } // namespace
@@ -74,10 +108,7 @@ QStringList ImportSources::picturesIn(const QString &folder)
         if (isPictureName(name))
             names << name;
     }
-    QCollator collator;
-    collator.setNumericMode(true);
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    std::sort(names.begin(), names.end(), [&](const QString &a, const QString &b) { return collator.compare(a, b) < 0; });
+    std::sort(names.begin(), names.end(), naturalLess);
     return names;
 }
 

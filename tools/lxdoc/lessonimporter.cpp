@@ -12,6 +12,36 @@
 #include <QImageReader>
 #include <QRegularExpression>
 
+#include <cstdio>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+// Some image libraries report a damaged file on stderr themselves, ahead of
+// the reader's own error; the tool's one-line error says it for them.
+template <typename Work>
+auto quietly(Work work) -> decltype(work())
+{
+    std::fflush(stderr);
+    const int saved = dup(STDERR_FILENO);
+    const int sink = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (sink >= 0) {
+        dup2(sink, STDERR_FILENO);
+        close(sink);
+    }
+    auto result = work();
+    std::fflush(stderr);
+    if (saved >= 0) {
+        dup2(saved, STDERR_FILENO);
+        close(saved);
+    }
+    return result;
+}
+
+} // namespace
+
 LessonImporter::LessonImporter(LessonWriter &writer)
     : m_writer(writer)
 {
@@ -69,7 +99,7 @@ bool LessonImporter::importPicture(const ImportSources::Item &item)
 {
     QImageReader reader(item.path);
     reader.setAutoTransform(true);
-    const QImage image = reader.read();
+    const QImage image = quietly([&] { return reader.read(); });
     if (image.isNull())
         return fail(item.path, QStringLiteral("the picture cannot be read (%1)").arg(reader.errorString()));
     // PNG and JPEG go in as they are; other formats are stored as PNG so
