@@ -95,6 +95,15 @@ void TestImport::initTestCase()
     QVERIFY(m_dir.isValid());
     QVERIFY(writePdf(path(QStringLiteral("sheet.pdf")), 3));
     QVERIFY(writePdf(path(QStringLiteral("wide.pdf")), 1, QPageSize(QSizeF(400, 100), QPageSize::Point)));
+    // QPdfWriter writes no outline; Poppler reads this one without a cross-reference table.
+    QVERIFY(writeFile(path(QStringLiteral("outline.pdf")),
+                      "%PDF-1.4\n1 0 obj << /Type /Catalog /Pages 2 0 R /Outlines 5 0 R >> endobj\n"
+                      "2 0 obj << /Type /Pages /Kids [3 0 R 4 0 R] /Count 2 >> endobj\n"
+                      "3 0 obj << /Type /Page /Parent 2 0 R /MediaBox [0 0 200 100] >> endobj\n"
+                      "4 0 obj << /Type /Page /Parent 2 0 R /MediaBox [0 0 200 100] >> endobj\n"
+                      "5 0 obj << /Type /Outlines /First 6 0 R /Last 6 0 R /Count 1 >> endobj\n"
+                      "6 0 obj << /Title (Fractions) /Parent 5 0 R /Dest [4 0 R /Fit] >> endobj\n"
+                      "trailer << /Root 1 0 R >>\n%%EOF\n"));
     QVERIFY(QDir(m_dir.path()).mkpath(QStringLiteral("photos")));
     // Sizes tell the pages apart: page N is N00 pixels wide.
     for (int number : {10, 2, 1})
@@ -111,6 +120,8 @@ void TestImport::importsPages_data()
     QTest::addColumn<QList<QSize>>("sizes");
     QTest::newRow("pdf, long side 1024") << QStringList{"sheet.pdf"} << QStringList{"Page 1", "Page 2", "Page 3"}
                                          << QList<QSize>{{724, 1024}, {724, 1024}, {724, 1024}};
+    QTest::newRow("pdf outline names its page") << QStringList{"outline.pdf"} << QStringList{"Page 1", "Fractions"}
+                                                << QList<QSize>{{1024, 512}, {1024, 512}};
     QTest::newRow("folder in natural order") << QStringList{"photos"} << QStringList{"Page 1", "Page 2", "Page 3"}
                                              << QList<QSize>{{512, 1024}, {1024, 1024}, {1024, 205}};
     QTest::newRow("pictures and pdf mixed, fitted") << QStringList{"board.jpg", "wide.pdf", "scan.bmp", "--size", "800x600"}
@@ -170,7 +181,7 @@ void TestImport::failureLeavesNothing_data()
     QTest::addColumn<QString>("message");
     QTest::newRow("missing file") << QStringList{"nowhere.pdf"} << "cannot import 'nowhere.pdf': no such file";
     QTest::newRow("damaged pdf") << QStringList{"sheet.pdf", "damaged.pdf"} << "cannot import 'damaged.pdf': not a PDF file";
-    QTest::newRow("encrypted pdf") << QStringList{"locked.pdf"} << "cannot import 'locked.pdf'";
+    QTest::newRow("encrypted pdf") << QStringList{"locked.pdf"} << "cannot import 'locked.pdf': the PDF is encrypted";
     QTest::newRow("not a picture") << QStringList{"photos/readme.txt"} << "cannot import 'photos/readme.txt': not a PDF or a picture";
     QTest::newRow("truncated picture") << QStringList{"board.jpg", "broken.png"} << "cannot import 'broken.png'";
     QTest::newRow("empty folder") << QStringList{"empty"} << "cannot import 'empty': the folder holds no pictures";
