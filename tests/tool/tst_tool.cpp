@@ -606,6 +606,8 @@ void TestTool::errorsAreOneLine_data()
     QTest::newRow("unknown command") << QStringList{"shrink"} << 2 << "lxdoc: unknown command 'shrink'";
     QTest::newRow("missing argument") << QStringList{"info"} << 2 << "lxdoc: info: expected 1 argument(s), got 0";
     QTest::newRow("unknown option") << QStringList{"check", "--fast", "sample.lzn"} << 2 << "lxdoc: check: Unknown option 'fast'.";
+    QTest::newRow("import into the appended lesson") << QStringList{"import", "notes.txt", "sample.lzn", "--append", "sample.lzn"} << 2 << "lxdoc: import: OUTPUT must be another file";
+    QTest::newRow("import at no resolution") << QStringList{"import", "notes.txt", "x.lzn", "--dpi", "0"} << 2 << "lxdoc: import: --dpi takes a number";
     QTest::newRow("export without a form") << QStringList{"export", "sample.lzn", "web"} << 2 << "lxdoc: export: name the form, --html";
     QTest::newRow("export into a used folder") << QStringList{"export", "--html", "sample.lzn", "sample-pages"} << 1 << "lxdoc: cannot export into 'sample-pages': the folder is not empty";
 }

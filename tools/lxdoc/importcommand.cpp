@@ -8,6 +8,7 @@
 #include "lessonwriter.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 namespace {
 
@@ -55,11 +56,15 @@ int ImportCommand::run(const QStringList &arguments)
     if (!LessonSource::isArchiveName(output))
         return usage(QStringLiteral("the output must be a lesson archive (.lzn or .resitem)"));
 
+    const QString append = line.value(QStringLiteral("append"));
+    // The appended lesson stays as it was; the pages go into a new archive.
+    if (!append.isEmpty() && QFileInfo(append).absoluteFilePath() == QFileInfo(output).absoluteFilePath())
+        return usage(QStringLiteral("OUTPUT must be another file than the lesson given to --append"));
+
     ImportSources sources;
     if (!sources.collect(paths))
         return Console::fail(sources.error());
     LessonWriter writer(output);
-    const QString append = line.value(QStringLiteral("append"));
     if (!(append.isEmpty() ? writer.startNew() : writer.startFrom(append)))
         return Console::fail(writer.error());
     LessonImporter importer(writer);
