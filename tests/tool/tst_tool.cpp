@@ -14,24 +14,15 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-namespace {
+#include "toolrun.h"
 
-struct Run {
-    int status = -1;
-    QString out;
-    QString err;
-};
+namespace {
 
 // Known content of the sample lesson's first page.
 const QPoint kRectPixel(200, 150);
 const QString kRectFill = QStringLiteral("#1e88e5");
 const QPoint kBackgroundPixel(20, 20);
 const QString kBackground = QStringLiteral("#fff8e1");
-
-QString toolPath()
-{
-    return QStringLiteral(LXDOC_BIN_DIR "/lxdoc");
-}
 
 // Every file below folder with a hash of its content, and every folder.
 QMap<QString, QByteArray> snapshot(const QString &folder)
@@ -155,16 +146,7 @@ private slots:
 
 Run TestTool::run(const QStringList &arguments, const QString &folder) const
 {
-    QProcess process;
-    process.setWorkingDirectory(folder.isEmpty() ? m_dir.path() : folder);
-    process.start(toolPath(), arguments);
-    Run result;
-    if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
-        return result;
-    result.status = process.exitCode();
-    result.out = QString::fromUtf8(process.readAllStandardOutput());
-    result.err = QString::fromUtf8(process.readAllStandardError());
-    return result;
+    return runTool(arguments, folder.isEmpty() ? m_dir.path() : folder);
 }
 
 QString TestTool::unpackSample(const QString &name) const
@@ -496,7 +478,7 @@ void TestTool::overviewHelp()
 {
     const Run bare = run({});
     QCOMPARE(bare.status, 2);
-    for (const char *command : {"demo", "info", "dump", "check", "render", "pack", "unpack"})
+    for (const char *command : {"demo", "info", "dump", "check", "render", "pack", "unpack", "import", "export"})
         QVERIFY(bare.out.contains(QStringLiteral("  %1 ").arg(QLatin1String(command))));
     const Run help = run({QStringLiteral("help"), QStringLiteral("render")});
     QCOMPARE(help.status, 0);
@@ -624,6 +606,10 @@ void TestTool::errorsAreOneLine_data()
     QTest::newRow("unknown command") << QStringList{"shrink"} << 2 << "lxdoc: unknown command 'shrink'";
     QTest::newRow("missing argument") << QStringList{"info"} << 2 << "lxdoc: info: expected 1 argument(s), got 0";
     QTest::newRow("unknown option") << QStringList{"check", "--fast", "sample.lzn"} << 2 << "lxdoc: check: Unknown option 'fast'.";
+    QTest::newRow("import into the appended lesson") << QStringList{"import", "notes.txt", "sample.lzn", "--append", "sample.lzn"} << 2 << "lxdoc: import: OUTPUT must be another file";
+    QTest::newRow("import at no resolution") << QStringList{"import", "notes.txt", "x.lzn", "--dpi", "0"} << 2 << "lxdoc: import: --dpi takes a number";
+    QTest::newRow("export without a form") << QStringList{"export", "sample.lzn", "web"} << 2 << "lxdoc: export: name the form, --html";
+    QTest::newRow("export into a used folder") << QStringList{"export", "--html", "sample.lzn", "sample-pages"} << 1 << "lxdoc: cannot export into 'sample-pages': the folder is not empty";
 }
 
 void TestTool::errorsAreOneLine()
@@ -643,7 +629,7 @@ void TestTool::errorsAreOneLine()
 void TestTool::everyCommandHasHelp_data()
 {
     QTest::addColumn<QString>("command");
-    for (const char *command : {"demo", "info", "dump", "check", "render", "pack", "unpack"})
+    for (const char *command : {"demo", "info", "dump", "check", "render", "pack", "unpack", "import", "export"})
         QTest::newRow(command) << QString::fromLatin1(command);
 }
 

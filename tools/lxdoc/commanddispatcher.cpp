@@ -4,6 +4,8 @@
 #include "console.h"
 #include "democommand.h"
 #include "dumpcommand.h"
+#include "exportcommand.h"
+#include "importcommand.h"
 #include "infocommand.h"
 #include "packcommand.h"
 #include "recovercommand.h"
@@ -30,6 +32,8 @@ const Command commands[] = {
     {"unpack", "unpack a lesson archive into a folder", &UnpackCommand::run},
     {"recover", "list, recover or remove the working folders of hosts that died", &RecoverCommand::run},
     {"salvage", "read what is left of a damaged archive into a new lesson", &SalvageCommand::run},
+    {"import", "make a lesson from PDF files and pictures", &ImportCommand::run},
+    {"export", "write a lesson as a web page that opens in any browser", &ExportCommand::run},
 };
 
 } // namespace

@@ -2,7 +2,10 @@
 
 #include "console.h"
 
+#include <QRegularExpression>
 #include <QTextStream>
+
+#include <climits>
 
 #include <cstdio>
 
@@ -20,6 +23,11 @@ void CommandLine::addArgument(const QString &name, const QString &description, b
     ++m_total;
     if (!optional)
         ++m_required;
+}
+
+void CommandLine::allowMore()
+{
+    m_total = INT_MAX;
 }
 
 void CommandLine::addOption(const QCommandLineOption &option)
@@ -66,4 +74,15 @@ QString CommandLine::value(const QString &name) const
 QString CommandLine::command() const
 {
     return m_command;
+}
+
+bool CommandLine::parseSize(const QString &text, QSize *size)
+{
+    const QRegularExpressionMatch match = QRegularExpression(QStringLiteral("^(\\d+)x(\\d+)$")).match(text);
+    if (!match.hasMatch())
+        return false;
+    // Beyond this an image no longer fits in memory comfortably.
+    const int largest = 20000;
+    *size = QSize(match.captured(1).toInt(), match.captured(2).toInt());
+    return !size->isEmpty() && size->width() <= largest && size->height() <= largest;
 }

@@ -2,6 +2,7 @@
 #define LXDOC_TOOL_COMMANDLINE_H
 
 #include <QCommandLineParser>
+#include <QSize>
 #include <QStringList>
 
 // The options of one subcommand. The subcommand's name is its first
@@ -12,6 +13,8 @@ public:
 
     void addArgument(const QString &name, const QString &description, bool optional = false);
     void addOption(const QCommandLineOption &option);
+    // The last argument may be given any number of times.
+    void allowMore();
 
     // Returns -1 when the command should run, otherwise the exit status
     // (help shown, or a usage error already reported).
@@ -22,6 +25,9 @@ public:
     bool isSet(const QString &name) const;
     QString value(const QString &name) const;
     QString command() const;
+
+    // "WxH" with both sides positive and of a size an image can have.
+    static bool parseSize(const QString &text, QSize *size);
 
 private:
     QCommandLineParser m_parser;

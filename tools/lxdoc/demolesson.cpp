@@ -2,12 +2,10 @@
 
 #include "democontent.h"
 #include "demopage.h"
-#include "filetree.h"
 #include "handle.h"
+#include "lessonwriter.h"
 
 #include <QDir>
-#include <QFileInfo>
-#include <QTemporaryDir>
 
 DemoLesson::DemoLesson(const QString &archive)
     : m_archive(archive)
@@ -16,31 +14,11 @@ DemoLesson::DemoLesson(const QString &archive)
 
 bool DemoLesson::create()
 {
-    const QFileInfo target(QFileInfo(m_archive).absolutePath());
-    if (!target.isDir() || !target.isWritable())
-        return fail(QStringLiteral("cannot write to the folder '%1'").arg(target.filePath()));
-    const QTemporaryDir temp(QDir::tempPath() + QStringLiteral("/lxdoc-XXXXXX"));
-    if (!temp.isValid())
-        return fail(QStringLiteral("cannot make a temporary folder"));
-    const QString pictureFile = temp.filePath(QStringLiteral("sample-picture.png"));
-    if (!DemoContent::writePicture(pictureFile))
-        return fail(QStringLiteral("cannot draw the sample picture"));
-    const QString packed = temp.filePath(QFileInfo(m_archive).fileName());
-    {
-        // The working folder lies inside the temporary folder, and the
-        // document deletes it on release.
-        Handle<ILXDocument> document(get_interface());
-        const QString folder = temp.filePath(QStringLiteral("lesson"));
-        if (!document || !document->init(folder, false) || !document->newFile(folder, true))
-            return fail(QStringLiteral("cannot start a new lesson"));
-        if (!build(document.get(), pictureFile))
-            return false;
-        // A failed packing still reports success; the archive tells.
-        if (!document->saveFile(packed, true) || QFileInfo(packed).size() == 0)
-            return fail(QStringLiteral("packing failed (is ziplib.so beside lxdoc?)"));
-    }
-    QString reason;
-    return FileTree::publish(packed, m_archive, &reason) || fail(reason);
+    LessonWriter writer(m_archive);
+    const bool done = writer.startNew() && build(writer, writer.scratchFile(QStringLiteral("sample-picture.png")))
+        && writer.finish();
+    m_error = writer.error();
+    return done;
 }
 
 QString DemoLesson::error() const
@@ -48,33 +26,30 @@ QString DemoLesson::error() const
     return m_error;
 }
 
-bool DemoLesson::build(ILXDocument *document, const QString &pictureFile)
+bool DemoLesson::build(LessonWriter &writer, const QString &pictureFile)
 {
+    if (!DemoContent::writePicture(pictureFile))
+        return writer.fail(QStringLiteral("cannot draw the sample picture"));
     QString pictureName;
-    if (!addPicture(document, pictureFile, &pictureName))
+    if (!addPicture(writer, pictureFile, &pictureName))
         return false;
     const QList<DemoPageModel> pages = DemoContent::pages(pictureName);
     for (int index = 0; index < pages.size(); ++index) {
         DemoPage page(pages.at(index), pictureFile);
         // The lesson's thumbnail is its first page.
-        if (!document->savePage(&page, index, 0, index == 0))
-            return fail(QStringLiteral("cannot write page %1").arg(index + 1));
+        if (!writer.document()->savePage(&page, index, 0, index == 0))
+            return writer.fail(QStringLiteral("cannot write page %1").arg(index + 1));
     }
     return true;
 }
 
-bool DemoLesson::addPicture(ILXDocument *document, const QString &pictureFile, QString *name)
+bool DemoLesson::addPicture(LessonWriter &writer, const QString &pictureFile, QString *name)
 {
+    ILXDocument *document = writer.document();
     ILXResMgr *resources = document->getLXResMgr();
     QString copy;
     if (!resources || !resources->addImageFile(pictureFile, copy))
-        return fail(QStringLiteral("cannot add the sample picture to the lesson"));
+        return writer.fail(QStringLiteral("cannot add the sample picture to the lesson"));
     *name = QDir(document->getDocPath()).relativeFilePath(copy);
     return true;
-}
-
-bool DemoLesson::fail(const QString &reason)
-{
-    m_error = QStringLiteral("cannot create '%1': %2").arg(m_archive, reason);
-    return false;
 }

@@ -4,6 +4,7 @@
 #include <QString>
 
 class ILXDocument;
+class LessonWriter;
 
 // Builds the sample lesson through the document interfaces, the way the
 // board saves a lesson: each page through savePage, then saveFile packing.
@@ -15,9 +16,8 @@ public:
     QString error() const;
 
 private:
-    bool build(ILXDocument *document, const QString &pictureFile);
-    bool addPicture(ILXDocument *document, const QString &pictureFile, QString *name);
-    bool fail(const QString &reason);
+    static bool build(LessonWriter &writer, const QString &pictureFile);
+    static bool addPicture(LessonWriter &writer, const QString &pictureFile, QString *name);
 
     QString m_archive;
     QString m_error;

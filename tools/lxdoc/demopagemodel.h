@@ -22,6 +22,7 @@ struct DemoShape {
     QList<float> widths;         // Stroke: one per point
     QList<QList<QPointF>> parts; // Drawing: one polyline each
     QString text;                // Text: the words; Image: the picture's lesson-relative name
+    bool locked = false;         // the board moves or erases nothing locked
 };
 
 // One recorded step; "group" steps hold further steps.

@@ -34,6 +34,8 @@ bool DemoShapeWriter::write(ILXFrontPage *page, const DemoShape &shape, int gid)
         return false;
     object->setClass(QString::fromLatin1(names.cls));
     object->setgid(gid);
+    if (shape.locked)
+        object->setLocked(true);
     writeStyle(object.get(), shape);
     writeGeometry(object.get(), shape);
     return true;

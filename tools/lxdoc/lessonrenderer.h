@@ -22,10 +22,11 @@ public:
     bool renderImages(const QString &folder, QStringList *written);
     bool renderPdf(const QString &file);
     QString error() const;
+    // The page as the SVG that is drawn, and its size.
+    bool pageSvg(int index, QByteArray *svg, QSize *size);
 
 private:
     bool writePdf(const QString &partial, const QString &file);
-    bool pageSvg(int index, QByteArray *svg, QSize *size);
     bool renderImage(int index, const QString &path);
     bool paintPage(QPainter &painter, const QByteArray &svg, const QRectF &target);
     QSize outputSize(QSize page) const;

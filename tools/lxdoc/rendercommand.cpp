@@ -7,23 +7,7 @@
 #include "lessonsource.h"
 
 #include <QDir>
-#include <QRegularExpression>
 #include <QSize>
-
-namespace {
-
-bool parseSize(const QString &text, QSize *size)
-{
-    const QRegularExpressionMatch match = QRegularExpression(QStringLiteral("^(\\d+)x(\\d+)$")).match(text);
-    if (!match.hasMatch())
-        return false;
-    // Beyond this an image no longer fits in memory comfortably.
-    const int largest = 20000;
-    *size = QSize(match.captured(1).toInt(), match.captured(2).toInt());
-    return !size->isEmpty() && size->width() <= largest && size->height() <= largest;
-}
-
-} // namespace
 
 int RenderCommand::run(const QStringList &arguments)
 {
@@ -39,7 +23,7 @@ int RenderCommand::run(const QStringList &arguments)
     if (status >= 0)
         return status;
     QSize size;
-    if (line.isSet(QStringLiteral("size")) && !parseSize(line.value(QStringLiteral("size")), &size))
+    if (line.isSet(QStringLiteral("size")) && !CommandLine::parseSize(line.value(QStringLiteral("size")), &size))
         return Console::fail(QStringLiteral("render: --size takes WIDTHxHEIGHT, for example 800x600"), ExitUsage);
     return LessonSource::withPages(line.argument(0), [&](const LessonPages &pages) {
         return renderPages(pages, line.argument(1), line.value(QStringLiteral("pdf")), line.value(QStringLiteral("size")));
@@ -50,7 +34,7 @@ int RenderCommand::renderPages(const LessonPages &pages, const QString &folder, 
 {
     LessonRenderer renderer(pages);
     QSize box;
-    if (parseSize(size, &box))
+    if (CommandLine::parseSize(size, &box))
         renderer.setBox(box);
     QStringList written;
     if (!renderer.renderImages(folder, &written))

@@ -1,0 +1,81 @@
+#include "lessonwriter.h"
+
+#include "filetree.h"
+#include "lessonsource.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+LessonWriter::LessonWriter(const QString &archive)
+    : m_archive(archive)
+{
+}
+
+// Members go in reverse order: the document is released before the
+// temporary folder it works in is removed.
+LessonWriter::~LessonWriter() = default;
+
+bool LessonWriter::startNew()
+{
+    if (!checkTarget())
+        return false;
+    // The working folder lies inside the temporary folder, and the document
+    // deletes it on release.
+    const QString folder = m_temp->filePath(QStringLiteral("lesson"));
+    m_document.reset(get_interface());
+    if (!m_document || !m_document->init(folder, false) || !m_document->newFile(folder, true))
+        return fail(QStringLiteral("cannot start a new lesson"));
+    return true;
+}
+
+bool LessonWriter::startFrom(const QString &lesson)
+{
+    if (!checkTarget())
+        return false;
+    m_source = std::make_unique<LessonSource>(lesson);
+    if (!m_source->open()) {
+        m_error = m_source->error();
+        return false;
+    }
+    return true;
+}
+
+ILXDocument *LessonWriter::document() const
+{
+    return m_source ? m_source->document() : m_document.get();
+}
+
+QString LessonWriter::scratchFile(const QString &name) const
+{
+    return m_temp->filePath(name);
+}
+
+bool LessonWriter::finish()
+{
+    const QString packed = scratchFile(QFileInfo(m_archive).fileName());
+    // A failed packing still reports success; the archive tells.
+    if (!document()->saveFile(packed, true) || QFileInfo(packed).size() == 0)
+        return fail(QStringLiteral("packing failed (is ziplib.so beside lxdoc?)"));
+    QString reason;
+    return FileTree::publish(packed, m_archive, &reason) || fail(reason);
+}
+
+QString LessonWriter::error() const
+{
+    return m_error;
+}
+
+bool LessonWriter::fail(const QString &reason)
+{
+    m_error = QStringLiteral("cannot create '%1': %2").arg(m_archive, reason);
+    return false;
+}
+
+bool LessonWriter::checkTarget()
+{
+    const QFileInfo target(QFileInfo(m_archive).absolutePath());
+    if (!target.isDir() || !target.isWritable())
+        return fail(QStringLiteral("cannot write to the folder '%1'").arg(target.filePath()));
+    m_temp = std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/lxdoc-XXXXXX"));
+    return m_temp->isValid() || fail(QStringLiteral("cannot make a temporary folder"));
+}

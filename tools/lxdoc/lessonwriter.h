@@ -1,0 +1,45 @@
+#ifndef LXDOC_TOOL_LESSONWRITER_H
+#define LXDOC_TOOL_LESSONWRITER_H
+
+#include "handle.h"
+
+#include <QString>
+#include <QTemporaryDir>
+
+#include <memory>
+
+class LessonSource;
+
+// A lesson written through the document interfaces the way the board saves
+// one: the document works in a private temporary folder, and the archive
+// reaches its place only when it is complete, so a failure leaves nothing.
+class LessonWriter {
+public:
+    explicit LessonWriter(const QString &archive);
+    ~LessonWriter();
+    LessonWriter(const LessonWriter &) = delete;
+    LessonWriter &operator=(const LessonWriter &) = delete;
+
+    // A new, empty lesson.
+    bool startNew();
+    // A private copy of an existing lesson; the lesson itself is never changed.
+    bool startFrom(const QString &lesson);
+    ILXDocument *document() const;
+    // A path in the private folder for files made on the way.
+    QString scratchFile(const QString &name) const;
+    // Packs the lesson and puts the archive in place.
+    bool finish();
+    QString error() const;
+    bool fail(const QString &reason);
+
+private:
+    bool checkTarget();
+
+    QString m_archive;
+    std::unique_ptr<QTemporaryDir> m_temp;
+    std::unique_ptr<LessonSource> m_source;
+    Handle<ILXDocument> m_document;
+    QString m_error;
+};
+
+#endif
