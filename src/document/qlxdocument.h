@@ -47,7 +47,8 @@ public:
 private:
     QString pagePath(const QString &name) const;
     void releaseResMgr();
-    QString unpackFolderFor(const QFileInfo &archive);
+    static QString unpackFolderFor(const QString &first, int counter);
+    QString claimUnpackFolder(const QFileInfo &archive);
     bool unpackArchive(const QString &archive, const QString &folder);
 
     QString m_path;
