@@ -1,6 +1,7 @@
 #include "document/archiveplugin.h"
 
-#include <QCoreApplication>
+#include "document/temproot.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
@@ -32,8 +33,8 @@ QString moduleFolder()
         || !map)
         return QString();
     if (map->l_name && map->l_name[0])
-        return QFileInfo(QString::fromLocal8Bit(map->l_name)).canonicalPath();
-    return QCoreApplication::instance() ? QCoreApplication::applicationDirPath() : QString();
+        return QFileInfo(QFile::decodeName(map->l_name)).canonicalPath();
+    return TempRoot::executableFolder();
 }
 
 // Beside the executable first, so a host can bring its own plug-in; then the
@@ -43,8 +44,9 @@ QString moduleFolder()
 QStringList candidates()
 {
     QStringList result;
-    if (QCoreApplication::instance() && !QCoreApplication::applicationDirPath().isEmpty())
-        result << QCoreApplication::applicationDirPath() + QLatin1String(kPluginName);
+    const QString executable = TempRoot::executableFolder();
+    if (!executable.isEmpty())
+        result << executable + QLatin1String(kPluginName);
     const QString module = moduleFolder();
     if (!module.isEmpty())
         result << module + QLatin1String("/" LXDOC_PLUGIN_RELDIR) + QLatin1String(kPluginName);

@@ -91,13 +91,14 @@ QStringList TempRoot::places()
     return result;
 }
 
-// Without an application object there is no executable folder to speak of:
-// asking Qt would give an empty path, and with it "/Temp".
+QString TempRoot::executableFolder()
+{
+    return QCoreApplication::instance() ? QCoreApplication::applicationDirPath() : QString();
+}
+
 QString TempRoot::besideExecutable()
 {
-    if (!QCoreApplication::instance())
-        return QString();
-    const QString folder = QCoreApplication::applicationDirPath();
+    const QString folder = executableFolder();
     return folder.isEmpty() ? QString() : folder + QLatin1String("/Temp");
 }
 

@@ -21,6 +21,10 @@ public:
     // what a clean-up of earlier runs has to look through.
     static QStringList places();
 
+    // The running executable's folder; empty without an application object,
+    // where Qt would report an empty path and callers would build "/Temp".
+    static QString executableFolder();
+
 private:
     static QString besideExecutable();
     static QStringList privateCandidates();
