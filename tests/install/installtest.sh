@@ -16,7 +16,7 @@ fault() { echo "install test: $*" >&2; exit 1; }
 
 for file in "$libdir/liblxdoc-qt$qt.so" "$libdir/lxdoc-qt$qt/ziplib.so" "$bindir/$tool" \
         "$libdir/pkgconfig/lxdoc-qt$qt.pc" "$libdir/cmake/LXDocQt$qt/LXDocQt${qt}Config.cmake" \
-        "include/lxdoc-qt$qt/lxdoc.h"; do
+        "include/lxdoc-qt$qt/lxdoc.h" "share/doc/lxdoc-qt$qt/LICENSE"; do
     [ -e "$stage/$file" ] || fault "not installed: $file"
 done
 
