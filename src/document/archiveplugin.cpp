@@ -1,16 +1,81 @@
 #include "document/archiveplugin.h"
 
-#include <QCoreApplication>
+#include "document/temproot.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QStringList>
 #include <QtGlobal>
 
 #include <dlfcn.h>
+#include <link.h>
+
+#ifndef LXDOC_PLUGIN_RELDIR
+#error "LXDOC_PLUGIN_RELDIR names the installed plug-in folder relative to this binary"
+#endif
+
+namespace {
+
+const char *const kPluginName = "/ziplib.so";
+
+void moduleAnchor()
+{
+}
+
+// The folder of the binary holding this code: the installed library, or the
+// executable that compiled the loader in. The main program's link map has no
+// name, and its folder is the one Qt reports.
+QString moduleFolder()
+{
+    Dl_info info;
+    link_map *map = nullptr;
+    if (!dladdr1(reinterpret_cast<void *>(&moduleAnchor), &info, reinterpret_cast<void **>(&map), RTLD_DL_LINKMAP)
+        || !map)
+        return QString();
+    if (map->l_name && map->l_name[0])
+        return QFileInfo(QFile::decodeName(map->l_name)).canonicalPath();
+    return TempRoot::executableFolder();
+}
+
+// Beside the executable first, so a host can bring its own plug-in; then the
+// installed plug-in folder; then LXDOC_PLUGIN_DIR. Never a bare name, which
+// the loader would look up in the system's library folders, and never the
+// root folder when there is no executable folder to speak of.
+QStringList candidates()
+{
+    QStringList result;
+    const QString executable = TempRoot::executableFolder();
+    if (!executable.isEmpty())
+        result << executable + QLatin1String(kPluginName);
+    const QString module = moduleFolder();
+    if (!module.isEmpty())
+        result << module + QLatin1String("/" LXDOC_PLUGIN_RELDIR) + QLatin1String(kPluginName);
+    const QString chosen = qEnvironmentVariable("LXDOC_PLUGIN_DIR");
+    if (!chosen.isEmpty())
+        result << chosen + QLatin1String(kPluginName);
+    return result;
+}
+
+// The first that exists; else the first place looked at, so the loader's
+// message names it.
+QByteArray pluginPath()
+{
+    const QStringList places = candidates();
+    for (const QString &place : places) {
+        if (QFileInfo::exists(place))
+            return QFile::encodeName(place);
+    }
+    return places.isEmpty() ? QByteArray() : QFile::encodeName(places.first());
+}
+
+} // namespace
 
 ArchivePlugin::ArchivePlugin()
 {
-    const QByteArray path = (QCoreApplication::applicationDirPath() + QLatin1String("/ziplib.so")).toUtf8();
-    m_handle = dlopen(path.constData(), RTLD_LAZY);
+    const QByteArray path = pluginPath();
+    m_handle = path.isEmpty() ? nullptr : dlopen(path.constData(), RTLD_LAZY);
     if (!m_handle) {
-        const char *reason = dlerror();
+        const char *reason = path.isEmpty() ? "ziplib.so not found" : dlerror();
         qWarning("create ziplib: dlopen(): %s\n", reason);
         m_error = QStringLiteral("cannot load the archive plug-in: %1").arg(QString::fromLocal8Bit(reason));
         return;

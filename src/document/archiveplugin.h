@@ -5,9 +5,10 @@
 
 #include <QString>
 
-// One use of the "ziplib.so" plug-in beside the executable: loaded on
-// construction, its tool released and the library unloaded on destruction.
-// Nothing is kept between uses, so every pack or unpack loads it afresh.
+// One use of the "ziplib.so" plug-in (beside the executable, else the one
+// installed with the library): loaded on construction, its tool released and
+// the library unloaded on destruction. Nothing is kept between uses, so every
+// pack or unpack loads it afresh.
 class ArchivePlugin {
 public:
     ArchivePlugin();

@@ -1,16 +1,20 @@
 #include "document/qlxdocument.h"
 
 #include "document/archiveplugin.h"
+#include "document/temproot.h"
 #include "idrawpage.h"
 #include "manifest/qlxresmgr.h"
 #include "page/qlxfrontpage.h"
 #include "record/qlxrecordpage.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QPixmap>
+
+#include <cerrno>
+#include <limits>
+#include <sys/stat.h>
 
 namespace {
 
@@ -44,7 +48,7 @@ bool QLXDocument::init(const QString &path, bool flag)
     if (path.isEmpty()) {
         const QString root = getTempPath();
         QDir dir(root);
-        if (!dir.exists())
+        if (!root.isEmpty() && !dir.exists())
             dir.mkdir(root);
     }
     return true;
@@ -68,7 +72,12 @@ bool QLXDocument::newFile(const QString &folder, bool makeSubfolders)
         removeFolder(m_path, true);
     // Cleared at once so a failed create leaves no dangling manager behind.
     releaseResMgr();
-    m_path = folder.isEmpty() ? getTempPath() + QLatin1String("newDocument") : folder;
+    const QString root = getTempPath();
+    if (folder.isEmpty() && root.isEmpty()) {
+        m_path.clear();
+        return false;
+    }
+    m_path = folder.isEmpty() ? root + QLatin1String("newDocument") : folder;
     if (QFileInfo::exists(m_path))
         removeFolder(m_path, false);
     createFolder(m_path, makeSubfolders);
@@ -95,9 +104,8 @@ bool QLXDocument::openFile(const QString &path)
     if (suffix != QLatin1String("lzn") && suffix != QLatin1String("resitem"))
         return openOtherTypeFile(path);
 
-    const QString folder = unpackFolderFor(info);
-    QDir().mkdir(folder);
-    return unpackArchive(path, folder) && openDocument(folder);
+    const QString folder = claimUnpackFolder(info);
+    return !folder.isEmpty() && unpackArchive(path, folder) && openDocument(folder);
 }
 
 bool QLXDocument::openDocument(const QString &folder)
@@ -308,7 +316,7 @@ QString QLXDocument::getDocPath()
 
 QString QLXDocument::getTempPath()
 {
-    return QCoreApplication::applicationDirPath() + QLatin1String("/Temp/");
+    return TempRoot::path();
 }
 
 // Only release() cleans up; destroying the object leaves the disk alone.
@@ -375,17 +383,29 @@ void QLXDocument::releaseResMgr()
     m_resMgr = nullptr;
 }
 
-// Base name up to the first dot; while that name is taken, the counter is
-// appended to the first candidate's Latin-1 form, as earlier versions named
-// their unpack folders.
-QString QLXDocument::unpackFolderFor(const QFileInfo &archive)
+// The counter goes onto the first candidate as text, so names outside ASCII,
+// in the install path or the archive's name, come back as they went in.
+QString QLXDocument::unpackFolderFor(const QString &first, int counter)
 {
-    const QString first = getTempPath() + archive.baseName();
-    const QByteArray firstLatin1 = first.toLatin1();
-    QString candidate = first;
-    for (int counter = 0; QFileInfo::exists(candidate); ++counter)
-        candidate = QString::asprintf("%s%d", firstLatin1.constData(), counter);
-    return candidate;
+    return counter < 0 ? first : first + QString::number(counter);
+}
+
+// Base name up to the first dot; while that name is taken, the counter is
+// appended, as earlier versions named their unpack folders. Making the folder
+// is the claim: mkdir fails when the name exists, so processes sharing a temp
+// root never end up in one folder. Empty when no temp root is usable.
+QString QLXDocument::claimUnpackFolder(const QFileInfo &archive)
+{
+    const QString root = getTempPath();
+    if (root.isEmpty())
+        return QString();
+    const QString first = root + archive.baseName();
+    for (int counter = -1; counter < std::numeric_limits<int>::max(); ++counter) {
+        const QString candidate = unpackFolderFor(first, counter);
+        if (::mkdir(QFile::encodeName(candidate).constData(), 0700) == 0 || errno != EEXIST)
+            return candidate;
+    }
+    return QString();
 }
 
 // The folder stays on disk whatever happens here.

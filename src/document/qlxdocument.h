@@ -48,7 +48,8 @@ private:
     QString pagePath(const QString &name) const;
     bool hasDocument() const;
     void releaseResMgr();
-    QString unpackFolderFor(const QFileInfo &archive);
+    static QString unpackFolderFor(const QString &first, int counter);
+    QString claimUnpackFolder(const QFileInfo &archive);
     bool unpackArchive(const QString &archive, const QString &folder);
 
     QString m_path;
