@@ -1,15 +1,15 @@
 #include "temproots.h"
 
-#include <QCoreApplication>
+#include "document/temproot.h"
+
 #include <QDir>
 #include <QFileInfo>
 
 QStringList TempRoots::candidates()
 {
-    QStringList roots{QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("Temp"))};
-    const QString chosen = qEnvironmentVariable("LXDOC_TEMP_ROOT");
-    if (!chosen.isEmpty())
-        roots << QDir::cleanPath(chosen);
+    QStringList roots;
+    for (const QString &place : TempRoot::places())
+        roots << QDir::cleanPath(place);
     return roots;
 }
 

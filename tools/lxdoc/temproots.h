@@ -6,8 +6,9 @@
 // Where hosts keep the working folders of the lessons they edit.
 class TempRoots {
 public:
-    // The temp root of a host installed beside lxdoc ("Temp" beside the
-    // executable), then the one LXDOC_TEMP_ROOT names when it is set.
+    // Every place the library may keep its temp root: "Temp" beside the
+    // executable (a host installed beside lxdoc), then the private per-user
+    // places (LXDOC_TEMP_ROOT, the runtime folder, the cache folder).
     static QStringList candidates();
     static bool isRoot(const QString &folder);
     // Whether folder lies directly inside one of the candidates.
