@@ -10,20 +10,23 @@ int CheckCommand::run(const QStringList &arguments)
     CommandLine line(QStringLiteral("check"), QStringLiteral("Checks a lesson: manifest lists against the files present, "
                                                              "unreadable or malformed page and record files, missing "
                                                              "and unlisted resources. Exit status 0 only when clean."));
-    line.addArgument(QStringLiteral("FILE"), QStringLiteral("The lesson archive or folder (only read)."));
+    line.addArgument(QStringLiteral("FILE"), QStringLiteral("The lesson archive or folder (only read); '-' reads an archive from the standard input."));
     const int status = line.parse(arguments);
     if (status >= 0)
         return status;
     const QString path = line.argument(0);
     LessonSource source(path);
+    Console::progress(1, 2, QStringLiteral("reading"));
     if (!source.prepareReadOnly())
         return Console::fail(source.error());
+    Console::progress(2, 2, QStringLiteral("checking"));
     LessonChecker checker(source.folder());
     checker.run();
+    Console::endProgress();
     for (const QString &problem : checker.problems())
         Console::out(QStringLiteral("%1: %2").arg(path, problem));
     for (const QString &note : checker.notes())
-        Console::out(QStringLiteral("%1: note: %2").arg(path, note));
+        Console::note(QStringLiteral("%1: note: %2").arg(path, note));
     const int count = int(checker.problems().size());
     Console::out(count == 0 ? QStringLiteral("%1: no problems found").arg(path)
                             : QStringLiteral("%1: %2 problem(s) found").arg(path).arg(count));

@@ -2,12 +2,12 @@
 
 #include "democontent.h"
 #include "demopage.h"
-#include "filetree.h"
 #include "handle.h"
+#include "outputfile.h"
+#include "privatetemp.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 DemoLesson::DemoLesson(const QString &archive)
     : m_archive(archive)
@@ -16,10 +16,10 @@ DemoLesson::DemoLesson(const QString &archive)
 
 bool DemoLesson::create()
 {
-    const QFileInfo target(QFileInfo(m_archive).absolutePath());
-    if (!target.isDir() || !target.isWritable())
-        return fail(QStringLiteral("cannot write to the folder '%1'").arg(target.filePath()));
-    const QTemporaryDir temp(QDir::tempPath() + QStringLiteral("/lxdoc-XXXXXX"));
+    OutputFile output(m_archive, OutputFile::Archive);
+    if (!output.check())
+        return failOutput(output);
+    const PrivateTemp temp;
     if (!temp.isValid())
         return fail(QStringLiteral("cannot make a temporary folder"));
     const QString pictureFile = temp.filePath(QStringLiteral("sample-picture.png"));
@@ -39,8 +39,7 @@ bool DemoLesson::create()
         if (!document->saveFile(packed, true) || QFileInfo(packed).size() == 0)
             return fail(QStringLiteral("packing failed (is ziplib.so beside lxdoc?)"));
     }
-    QString reason;
-    return FileTree::publish(packed, m_archive, &reason) || fail(reason);
+    return output.publish(packed) || failOutput(output);
 }
 
 QString DemoLesson::error() const
@@ -76,5 +75,12 @@ bool DemoLesson::addPicture(ILXDocument *document, const QString &pictureFile, Q
 bool DemoLesson::fail(const QString &reason)
 {
     m_error = QStringLiteral("cannot create '%1': %2").arg(m_archive, reason);
+    return false;
+}
+
+bool DemoLesson::failOutput(const OutputFile &output)
+{
+    // Already one whole line naming the archive.
+    m_error = output.error();
     return false;
 }

@@ -4,6 +4,7 @@
 #include <QString>
 
 class ILXDocument;
+class OutputFile;
 
 // Builds the sample lesson through the document interfaces, the way the
 // board saves a lesson: each page through savePage, then saveFile packing.
@@ -18,6 +19,7 @@ private:
     bool build(ILXDocument *document, const QString &pictureFile);
     bool addPicture(ILXDocument *document, const QString &pictureFile, QString *name);
     bool fail(const QString &reason);
+    bool failOutput(const OutputFile &output);
 
     QString m_archive;
     QString m_error;

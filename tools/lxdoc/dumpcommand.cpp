@@ -12,7 +12,7 @@
 int DumpCommand::run(const QStringList &arguments)
 {
     CommandLine line(QStringLiteral("dump"), QStringLiteral("Shows the objects of a lesson's pages."));
-    line.addArgument(QStringLiteral("FILE"), QStringLiteral("The lesson archive or folder."));
+    line.addArgument(QStringLiteral("FILE"), QStringLiteral("The lesson archive or folder; '-' reads an archive from the standard input."));
     line.addOption(QCommandLineOption(QStringLiteral("page"), QStringLiteral("Only page N (counting from 1)."), QStringLiteral("N")));
     line.addOption(QCommandLineOption(QStringLiteral("json"), QStringLiteral("Write JSON instead of a tree.")));
     line.addOption(QCommandLineOption(QStringLiteral("records"), QStringLiteral("Also show the recorded commands.")));
