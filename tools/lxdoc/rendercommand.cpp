@@ -46,7 +46,7 @@ int RenderCommand::run(const QStringList &arguments)
         return status;
     QSize size;
     if (line.isSet(QStringLiteral("size")) && !parseSize(line.value(QStringLiteral("size")), &size))
-        return Console::fail(QStringLiteral("render: --size takes WIDTHxHEIGHT, for example 800x600"), ExitUsage);
+        return Console::usage(QStringLiteral("render: --size takes WIDTHxHEIGHT, for example 800x600"), line.usageLine());
     return LessonSource::withPages(line.argument(0), [&](const LessonPages &pages) {
         return renderPages(pages, {line.argument(1), line.value(QStringLiteral("pdf")), line.value(QStringLiteral("size")),
                                    line.isSet(QStringLiteral("force"))});
