@@ -4,7 +4,8 @@ set -euo pipefail
 pkgs=(cmake ninja-build g++ pkg-config
       qt6-base-dev qt6-svg-dev qtbase5-dev libqt5svg5-dev
       libarchive-dev zip unzip libxml2-utils python3
-      clang libclang-rt-14-dev valgrind)
+      clang libclang-rt-14-dev valgrind
+      help2man python3-jsonschema)
 missing=()
 for p in "${pkgs[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
