@@ -98,6 +98,8 @@ private slots:
     void interruptedRunCleansUp_data();
     void interruptedRunCleansUp();
     void leftoversOfKilledRuns();
+    void progressOnTerminal_data();
+    void progressOnTerminal();
     void renderOutputs();
     void dumpJsonNumbersAndSchema();
 };
@@ -407,6 +409,33 @@ void TestCli::leftoversOfKilledRuns()
     }
     QCOMPARE(run({QStringLiteral("info"), m_sample}, withTemp(temp.path())).status, 0);
     QCOMPARE(runFolders(temp.path()), QStringList({alive, other}));
+}
+
+void TestCli::progressOnTerminal_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("pack") << "pack lesson terminal.lzn" << "packing 1/2";
+    QTest::newRow("unpack") << "unpack sample.lzn terminal-unpacked" << "unpacking 1/2";
+    QTest::newRow("check") << "check sample.lzn" << "checking 2/2";
+    QTest::newRow("quiet") << "-q check sample.lzn" << "";
+}
+
+void TestCli::progressOnTerminal()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, shown);
+    // script(1) gives the tool a terminal for stdout and stderr.
+    QProcess script;
+    script.setWorkingDirectory(m_dir.path());
+    script.start(QStringLiteral("script"), {QStringLiteral("-qec"), toolPath() + QLatin1Char(' ') + command, QStringLiteral("/dev/null")});
+    if (!script.waitForStarted())
+        QSKIP("script(1) is not installed");
+    QVERIFY(script.waitForFinished(60000));
+    QCOMPARE(script.exitCode(), 0);
+    const QByteArray output = script.readAllStandardOutput();
+    QCOMPARE(output.contains("\r\033[K"), !shown.isEmpty());
+    QVERIFY2(output.contains(shown.toUtf8()), output.constData());
 }
 
 void TestCli::renderOutputs()

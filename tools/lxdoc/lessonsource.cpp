@@ -10,6 +10,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <unistd.h>
+
 LessonSource::LessonSource(const QString &path)
     : m_path(path)
 {
@@ -118,6 +120,9 @@ bool LessonSource::unpackArchive()
 
 bool LessonSource::readStandardInput(const QString &file)
 {
+    // Typing an archive is never what was meant: a forgotten "<" would hang.
+    if (::isatty(STDIN_FILENO))
+        return fail(QStringLiteral("it is a terminal, not an archive"));
     QFile input;
     QFile output(file);
     if (!input.open(stdin, QIODevice::ReadOnly) || !output.open(QIODevice::WriteOnly))

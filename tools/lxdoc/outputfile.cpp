@@ -55,7 +55,7 @@ bool OutputFile::isStandardOutput() const
 bool OutputFile::check()
 {
     if (isStandardOutput())
-        return true;
+        return !::isatty(STDOUT_FILENO) || fail(QStringLiteral("the standard output is a terminal"));
     const QString target = resolvedTarget();
     const QFileInfo info(target);
     if (info.exists() && !info.isFile())
@@ -142,13 +142,13 @@ bool OutputFile::writeStandardOutput(const QString &finished)
     std::fflush(stdout);
     if (copyInto(finished, STDOUT_FILENO))
         return true;
-    m_error = QStringLiteral("cannot write the standard output: %1").arg(Console::systemReason(errno));
-    return false;
+    return failWithErrno();
 }
 
 bool OutputFile::fail(const QString &reason)
 {
-    m_error = QStringLiteral("cannot write '%1': %2").arg(m_target, reason);
+    m_error = isStandardOutput() ? QStringLiteral("cannot write the standard output: %1").arg(reason)
+                                 : QStringLiteral("cannot write '%1': %2").arg(m_target, reason);
     return false;
 }
 
