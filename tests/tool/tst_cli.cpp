@@ -397,7 +397,7 @@ void TestCli::leftoversOfKilledRuns()
 {
     const QTemporaryDir temp(path(QStringLiteral("tmp-XXXXXX")));
     QProcess gone;
-    gone.start(QStringLiteral("/bin/true"), {});
+    gone.start(QStringLiteral("/bin/true"), QStringList());
     QVERIFY(gone.waitForStarted());
     const QString dead = QStringLiteral("lxdoc-%1-AbC123").arg(gone.processId());
     QVERIFY(gone.waitForFinished());
