@@ -1,24 +1,33 @@
 #include "filetree.h"
 
+#include "console.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
+#include <cerrno>
+
 namespace {
 
 const QDir::Filters kEntries = QDir::AllEntries | QDir::NoDotAndDotDot | QDir::NoSymLinks | QDir::Hidden;
+
+bool makeFolder(const QDir &parent, const QString &name, QString *error)
+{
+    errno = 0;
+    if (parent.mkpath(name))
+        return true;
+    *error = QStringLiteral("cannot make the folder '%1': %2").arg(QDir::cleanPath(parent.filePath(name)), Console::systemReason(errno ? errno : EIO));
+    return false;
+}
 
 bool copyEntry(const QFileInfo &entry, const QDir &source, const QDir &target, QString *error)
 {
     const QString relative = source.relativeFilePath(entry.filePath());
     const QString destination = target.filePath(relative);
-    if (entry.isDir()) {
-        if (target.mkpath(relative))
-            return true;
-        *error = QStringLiteral("cannot make the folder '%1'").arg(destination);
-        return false;
-    }
+    if (entry.isDir())
+        return makeFolder(target, relative, error);
     if (QFile::exists(destination))
         QFile::remove(destination);
     if (QFile::copy(entry.filePath(), destination))
@@ -36,11 +45,9 @@ bool FileTree::copy(const QString &given, const QString &target, QString *error)
     // QDir::relativeFilePath hands the source's own relative path back.
     const QString source = QFileInfo(given).absoluteFilePath();
     const QDir from(source);
-    QDir to(target);
-    if (!to.mkpath(QStringLiteral("."))) {
-        *error = QStringLiteral("cannot make the folder '%1'").arg(target);
+    const QDir to(target);
+    if (!makeFolder(to, QStringLiteral("."), error))
         return false;
-    }
     // Parents come before their children in the iteration, so folders exist
     // before their files are copied.
     QDirIterator it(source, kEntries, QDirIterator::Subdirectories);
