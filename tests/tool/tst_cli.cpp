@@ -86,7 +86,7 @@ private slots:
     void pathForms();
     void usageErrors_data();
     void usageErrors();
-    void versionAndHelp();
+    void version();
     void standardStreams_data();
     void standardStreams();
     void outputReplacement_data();
@@ -196,17 +196,12 @@ void TestCli::usageErrors()
     QCOMPARE(result.err, QStringLiteral("lxdoc: %1\nUsage: %2\n").arg(message, usage));
 }
 
-void TestCli::versionAndHelp()
+void TestCli::version()
 {
     const ToolRun version = run({QStringLiteral("--version")});
     QCOMPARE(version.status, 0);
     QVERIFY2(QRegularExpression(QStringLiteral("^lxdoc \\d+\\.\\d+\\.\\d+\n$")).match(version.out).hasMatch(), qPrintable(version.out));
     QCOMPARE(run({QStringLiteral("version")}).out, version.out);
-    // Help names the program bare, the command before its options.
-    const ToolRun help = run({QStringLiteral("help"), QStringLiteral("pack")});
-    QCOMPARE(help.status, 0);
-    QVERIFY2(help.out.startsWith(QLatin1String("Usage: lxdoc pack [options] FOLDER FILE\n")), qPrintable(help.out));
-    QVERIFY(help.out.contains(QLatin1String("--quiet")));
 }
 
 void TestCli::standardStreams_data()

@@ -30,6 +30,10 @@ const Command commands[] = {
     {"unpack", "unpack a lesson archive into a folder", &UnpackCommand::run},
 };
 
+} // namespace
+
+namespace {
+
 const char kUsage[] = "lxdoc COMMAND [options] ARGS";
 
 const Command *find(const QString &name)

@@ -2,7 +2,6 @@
 
 #include "console.h"
 
-
 CommandLine::CommandLine(const QString &command, const QString &description)
     : m_command(command)
 {
