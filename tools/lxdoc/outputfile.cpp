@@ -1,9 +1,12 @@
 #include "outputfile.h"
 
 #include "console.h"
+#include "privatetemp.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <cerrno>
 #include <cstdio>
@@ -101,8 +104,10 @@ bool OutputFile::isOfKind(const QString &path) const
 
 bool OutputFile::writeCopy(const QString &finished, const QString &target)
 {
-    // A name of our own: "x.lzn.part" may be somebody else's file.
-    QByteArray partial = QFile::encodeName(target) + ".XXXXXX.part";
+    removeLeftoverPartials(target);
+    // A name of our own: "x.lzn.part" may be somebody else's file. The
+    // process id lets a later run know the file of a killed one.
+    QByteArray partial = QFile::encodeName(target) + ".lxdoc-" + QByteArray::number(::getpid()) + "-XXXXXX.part";
     const int fd = ::mkstemps(partial.data(), 5);
     if (fd < 0)
         return failWithErrno();
@@ -122,6 +127,21 @@ bool OutputFile::writeCopy(const QString &finished, const QString &target)
     ::unlink(partial.constData());
     errno = reason;
     return failWithErrno();
+}
+
+void OutputFile::removeLeftoverPartials(const QString &target)
+{
+    const QFileInfo info(target);
+    const QRegularExpression name(QStringLiteral("^%1\\.lxdoc-(\\d+)-[A-Za-z0-9]{6}\\.part$")
+                                      .arg(QRegularExpression::escape(info.fileName())));
+    const QDir folder = info.dir();
+    const QStringList entries = folder.entryList({info.fileName() + QStringLiteral(".lxdoc-*.part")}, QDir::Files | QDir::Hidden);
+    for (const QString &entry : entries) {
+        const QRegularExpressionMatch match = name.match(entry);
+        const QByteArray path = QFile::encodeName(folder.filePath(entry));
+        if (match.hasMatch() && PrivateTemp::isLeftover(path, match.captured(1).toLongLong(), false))
+            ::unlink(path.constData());
+    }
 }
 
 bool OutputFile::copyInto(const QString &finished, int fd)

@@ -26,6 +26,8 @@ private:
     QString resolvedTarget() const;
     bool isOfKind(const QString &path) const;
     bool writeCopy(const QString &finished, const QString &target);
+    // Partial files beside the target left by runs that were killed.
+    static void removeLeftoverPartials(const QString &target);
     bool copyInto(const QString &finished, int fd);
     bool writeStandardOutput(const QString &finished);
     bool fail(const QString &reason);

@@ -136,6 +136,14 @@ void PrivateTemp::installSignalHandlers()
     }
 }
 
+bool PrivateTemp::isLeftover(const QByteArray &path, qint64 pid, bool folder)
+{
+    struct stat status;
+    // Only this user's own, never one reached through a link.
+    return ::lstat(path.constData(), &status) == 0 && (folder ? S_ISDIR(status.st_mode) : S_ISREG(status.st_mode))
+        && status.st_uid == ::getuid() && processIsGone(pid);
+}
+
 void PrivateTemp::removeLeftovers()
 {
     static const QRegularExpression name(QStringLiteral("^lxdoc-(\\d+)-[A-Za-z0-9]{6}$"));
@@ -144,11 +152,7 @@ void PrivateTemp::removeLeftovers()
     for (const QString &entry : entries) {
         const QRegularExpressionMatch match = name.match(entry);
         const QByteArray path = QFile::encodeName(temp.filePath(entry));
-        struct stat status;
-        // Only this user's own folders, never one reached through a link.
-        if (!match.hasMatch() || ::lstat(path.constData(), &status) != 0 || !S_ISDIR(status.st_mode)
-            || status.st_uid != ::getuid() || !processIsGone(match.captured(1).toLongLong()))
-            continue;
-        removeTree(path.constData());
+        if (match.hasMatch() && isLeftover(path, match.captured(1).toLongLong(), true))
+            removeTree(path.constData());
     }
 }

@@ -22,6 +22,8 @@ public:
     static void installSignalHandlers();
     // Removes the folders of earlier runs of this user whose process is gone.
     static void removeLeftovers();
+    // Whether path is a folder (or a file) of this user left by process pid, now gone.
+    static bool isLeftover(const QByteArray &path, qint64 pid, bool folder);
 
 private:
     QString m_path;
