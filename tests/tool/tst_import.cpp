@@ -14,7 +14,7 @@
 #include <sys/resource.h>
 
 #include "testsupport.h"
-#include "toolrun.h"
+#include "tool/toolrunner.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <QtTest>
 
 #include "testsupport.h"
-#include "toolrun.h"
+#include "tool/toolrunner.h"
 
 namespace {
 

@@ -17,7 +17,8 @@ int CheckCommand::run(const QStringList &arguments)
                                                              "and unlisted resources. Exit status 0 only when clean. "
                                                              "With --fix, repairs a lesson folder in place first "
                                                              "(exit status 3 when something had to be given up)."));
-    line.addArgument(QStringLiteral("FILE"), QStringLiteral("The lesson archive or folder (only read without --fix)."));
+    line.addArgument(QStringLiteral("FILE"), QStringLiteral("The lesson archive or folder (only read without --fix); "
+                                                            "'-' reads an archive from the standard input."));
     const QCommandLineOption fixOption(QStringLiteral("fix"),
                                        QStringLiteral("Rebuild or complete the manifest from the files present, cut "
                                                       "entries naming missing files, set unreadable page files aside."));
@@ -31,8 +32,10 @@ int CheckCommand::run(const QStringList &arguments)
     if (line.isSet(fixOption.names().first()))
         return fix(path, !line.isSet(noBackup.names().first()));
     LessonSource source(path);
+    Console::progress(1, 2, QStringLiteral("reading"));
     if (!source.prepareReadOnly())
         return Console::fail(source.error());
+    Console::progress(2, 2, QStringLiteral("checking"));
     return check(path, source.folder());
 }
 
@@ -40,10 +43,11 @@ int CheckCommand::check(const QString &path, const QString &folder)
 {
     LessonChecker checker(folder);
     checker.run();
+    Console::endProgress();
     for (const QString &problem : checker.problems())
         Console::out(QStringLiteral("%1: %2").arg(path, problem));
     for (const QString &note : checker.notes())
-        Console::out(QStringLiteral("%1: note: %2").arg(path, note));
+        Console::note(QStringLiteral("%1: note: %2").arg(path, note));
     const int count = int(checker.problems().size());
     Console::out(count == 0 ? QStringLiteral("%1: no problems found").arg(path)
                             : QStringLiteral("%1: %2 problem(s) found").arg(path).arg(count));

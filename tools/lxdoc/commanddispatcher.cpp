@@ -13,6 +13,8 @@
 #include "salvagecommand.h"
 #include "unpackcommand.h"
 
+#include <initializer_list>
+
 namespace {
 
 struct Command {
@@ -38,30 +40,91 @@ const Command commands[] = {
 
 } // namespace
 
-int CommandDispatcher::run(const QStringList &arguments) const
+namespace {
+
+const char kUsage[] = "lxdoc COMMAND [options] ARGS";
+
+const Command *find(const QString &name)
 {
-    const QString name = arguments.value(1);
-    if (name.isEmpty() || name == QLatin1String("help") || name == QLatin1String("--help") || name == QLatin1String("-h")) {
-        const QString topic = arguments.value(2);
-        for (const Command &command : commands) {
-            if (topic == QLatin1String(command.name))
-                return command.run({arguments.first(), topic, QStringLiteral("--help")});
-        }
-        return showOverview(name);
-    }
     for (const Command &command : commands) {
         if (name == QLatin1String(command.name))
-            return command.run(arguments);
+            return &command;
     }
-    return Console::fail(QStringLiteral("unknown command '%1' (see 'lxdoc --help')").arg(name), ExitUsage);
+    return nullptr;
 }
 
-int CommandDispatcher::showOverview(const QString &name)
+bool isOneOf(const QString &argument, std::initializer_list<const char *> names)
 {
-    Console::out(QStringLiteral("Usage: lxdoc COMMAND [options] [arguments]\n\nCommands:"));
+    for (const char *name : names) {
+        if (argument == QLatin1String(name))
+            return true;
+    }
+    return false;
+}
+
+// -q and -v mean the same for every command, wherever they stand before "--".
+QStringList takeLevelFlags(const QStringList &arguments)
+{
+    QStringList rest;
+    bool flags = true;
+    for (const QString &argument : arguments) {
+        flags = flags && argument != QLatin1String("--");
+        if (flags && isOneOf(argument, {"-q", "--quiet"}))
+            Console::setLevel(Console::Quiet);
+        else if (flags && isOneOf(argument, {"-v", "--verbose"}))
+            Console::setLevel(Console::Verbose);
+        else
+            rest << argument;
+    }
+    return rest;
+}
+
+} // namespace
+
+int CommandDispatcher::run(const QStringList &given) const
+{
+    const QStringList arguments = takeLevelFlags(given);
+    const QString name = arguments.value(1);
+    if (name.isEmpty())
+        return showOverview(ExitUsage);
+    if (isOneOf(name, {"--version", "version"})) {
+        Console::out(QStringLiteral("lxdoc " LXDOC_VERSION));
+        return ExitOk;
+    }
+    if (isOneOf(name, {"help", "--help", "-h"}))
+        return showHelp(arguments.mid(2));
+    if (const Command *command = find(name))
+        return command->run(arguments);
+    return Console::usage(QStringLiteral("unknown command '%1' (see 'lxdoc --help')").arg(name), QLatin1String(kUsage));
+}
+
+int CommandDispatcher::showHelp(const QStringList &topics)
+{
+    if (topics.isEmpty())
+        return showOverview(ExitOk);
+    if (topics.size() > 1)
+        return Console::usage(QStringLiteral("help: expected 0 or 1 argument, got %1").arg(topics.size()),
+                              QStringLiteral("lxdoc help [COMMAND]"));
+    if (const Command *command = find(topics.first()))
+        return command->run({QStringLiteral("lxdoc"), topics.first(), QStringLiteral("--help")});
+    return Console::usage(QStringLiteral("help: no such command '%1'").arg(topics.first()), QStringLiteral("lxdoc help [COMMAND]"));
+}
+
+int CommandDispatcher::showOverview(int status)
+{
+    QStringList lines{QStringLiteral("Usage: %1\n\nCommands:").arg(QLatin1String(kUsage))};
     for (const Command &command : commands)
-        Console::out(QStringLiteral("  %1 %2").arg(QLatin1String(command.name), -8).arg(QLatin1String(command.summary)));
-    Console::out(QStringLiteral("\nFILE is a lesson archive (.lzn, .resitem) or an unpacked lesson folder.\n"
-                                "'lxdoc COMMAND --help' describes a command."));
-    return name.isEmpty() ? ExitUsage : ExitOk;
+        lines << QStringLiteral("  %1 %2").arg(QLatin1String(command.name), -8).arg(QLatin1String(command.summary));
+    lines << QStringLiteral("\nOptions for every command:\n"
+                            "  -q, --quiet    show only results and errors\n"
+                            "  -v, --verbose  also show warnings from Qt and the document library\n"
+                            "  --version      show the version\n\n"
+                            "FILE is a lesson archive (.lzn, .resitem) or an unpacked lesson folder; '-' reads an\n"
+                            "archive from the standard input. 'lxdoc COMMAND --help' describes a command.");
+    // Asked for, the overview is the result; without a command it is a usage error.
+    if (status == ExitOk)
+        Console::out(lines.join(QLatin1Char('\n')));
+    else
+        Console::usage(QStringLiteral("no command given"), QLatin1String(kUsage));
+    return status;
 }

@@ -11,7 +11,8 @@ public:
     int run(const QStringList &arguments) const;
 
 private:
-    static int showOverview(const QString &name);
+    static int showHelp(const QStringList &topics);
+    static int showOverview(int status);
 };
 
 #endif

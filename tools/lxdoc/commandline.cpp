@@ -15,11 +15,19 @@ CommandLine::CommandLine(const QString &command, const QString &description)
     m_parser.setApplicationDescription(description);
     m_parser.addHelpOption();
     m_parser.addPositionalArgument(command, QStringLiteral("(this command)"), command);
+    // Taken off the command line before a command sees it; listed so that
+    // every command's help shows them.
+    m_parser.addOption(QCommandLineOption({QStringLiteral("q"), QStringLiteral("quiet")},
+                                          QStringLiteral("Show only results and errors: no progress, no summary lines.")));
+    m_parser.addOption(QCommandLineOption({QStringLiteral("v"), QStringLiteral("verbose")},
+                                          QStringLiteral("Also show warnings from Qt and the document library.")));
 }
 
 void CommandLine::addArgument(const QString &name, const QString &description, bool optional)
 {
-    m_parser.addPositionalArgument(name, description, optional ? QStringLiteral("[%1]").arg(name) : name);
+    const QString syntax = optional ? QStringLiteral("[%1]").arg(name) : name;
+    m_parser.addPositionalArgument(name, description, syntax);
+    m_syntax << syntax;
     ++m_total;
     if (!optional)
         ++m_required;
@@ -38,16 +46,38 @@ void CommandLine::addOption(const QCommandLineOption &option)
 int CommandLine::parse(const QStringList &arguments)
 {
     if (!m_parser.parse(arguments))
-        return Console::fail(QStringLiteral("%1: %2 (see 'lxdoc %1 --help')").arg(m_command, m_parser.errorText()), ExitUsage);
+        return Console::usage(QStringLiteral("%1: %2").arg(m_command, m_parser.errorText()), usageLine());
     if (m_parser.isSet(QStringLiteral("help")) || m_parser.optionNames().contains(QStringLiteral("help-all"))) {
-        QTextStream(stdout) << m_parser.helpText();
+        Console::out(helpText());
         return ExitOk;
     }
     const int count = int(this->arguments().size());
     if (count < m_required || count > m_total)
-        return Console::fail(QStringLiteral("%1: expected %2 argument(s), got %3 (see 'lxdoc %1 --help')")
-                                 .arg(m_command).arg(m_required).arg(count), ExitUsage);
+        return Console::usage(QStringLiteral("%1: expected %2, got %3").arg(m_command, expectedCount()).arg(count), usageLine());
     return -1;
+}
+
+QString CommandLine::usageLine() const
+{
+    return QStringLiteral("lxdoc %1 [options] %2").arg(m_command, m_syntax.join(QLatin1Char(' '))).trimmed();
+}
+
+QString CommandLine::helpText() const
+{
+    // Qt's own first line names the executable by its full path and puts the
+    // options before the command.
+    QString text = m_parser.helpText();
+    text.replace(0, text.indexOf(QLatin1Char('\n')), QStringLiteral("Usage: ") + usageLine());
+    return text.trimmed();
+}
+
+QString CommandLine::expectedCount() const
+{
+    const QString noun = m_total == 1 ? QStringLiteral("argument") : QStringLiteral("arguments");
+    if (m_required == m_total)
+        return QStringLiteral("%1 %2").arg(m_total).arg(noun);
+    const QString range = m_total == m_required + 1 ? QStringLiteral("%1 or %2") : QStringLiteral("%1 to %2");
+    return range.arg(m_required).arg(m_total) + QLatin1Char(' ') + noun;
 }
 
 QStringList CommandLine::arguments() const

@@ -25,13 +25,20 @@ public:
     bool isSet(const QString &name) const;
     QString value(const QString &name) const;
     QString command() const;
+    // "lxdoc COMMAND [options] ARGS", the bare program name.
+    QString usageLine() const;
 
     // "WxH" with both sides positive and of a size an image can have.
     static bool parseSize(const QString &text, QSize *size);
 
 private:
+    QString helpText() const;
+    // "1 argument", "0 or 1 argument", "2 arguments".
+    QString expectedCount() const;
+
     QCommandLineParser m_parser;
     QString m_command;
+    QStringList m_syntax;
     int m_required = 0;
     int m_total = 0;
 };

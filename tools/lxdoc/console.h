@@ -15,13 +15,25 @@ enum ExitStatus {
 // progress on stderr.
 class Console {
 public:
+    enum Level { Quiet, Normal, Verbose };
+
     // Qt and library warnings are internal chatter for a command-line user;
-    // they are shown only when LXDOC_VERBOSE is set.
+    // they are shown only at the verbose level.
     static void installMessageFilter();
+    static void setLevel(Level level);
     static void out(const QString &line);
+    // A result line that --quiet leaves out ("rendered 3 page(s) ...").
+    static void note(const QString &line);
     static int fail(const QString &message, int status = ExitFailure);
+    // A usage error: the message, then the short usage of the command.
+    static int usage(const QString &message, const QString &usageLine);
     static void progress(int done, int total, const QString &what);
     static void endProgress();
+    // Flushes stdout: a result that could not be written in full is a
+    // failure, even when the command itself went well.
+    static int finish(int status);
+    // The system's reason for the last failed call, as strerror gives it.
+    static QString systemReason(int error);
 };
 
 #endif

@@ -28,6 +28,7 @@ int DemoCommand::run(const QStringList &arguments)
     return LessonSource::withPages(file, [&](const LessonPages &pages) {
         for (const QString &text : LessonInfo(pages, file).lines())
             Console::out(text);
-        return RenderCommand::renderPages(pages, folder, QString(), QString());
+        // The page folder is the demo's own: a new run replaces its pages.
+        return RenderCommand::renderPages(pages, {folder, QString(), QString(), true});
     });
 }

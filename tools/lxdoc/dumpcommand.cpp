@@ -12,7 +12,7 @@
 int DumpCommand::run(const QStringList &arguments)
 {
     CommandLine line(QStringLiteral("dump"), QStringLiteral("Shows the objects of a lesson's pages."));
-    line.addArgument(QStringLiteral("FILE"), QStringLiteral("The lesson archive or folder."));
+    line.addArgument(QStringLiteral("FILE"), QStringLiteral("The lesson archive or folder; '-' reads an archive from the standard input."));
     line.addOption(QCommandLineOption(QStringLiteral("page"), QStringLiteral("Only page N (counting from 1)."), QStringLiteral("N")));
     line.addOption(QCommandLineOption(QStringLiteral("json"), QStringLiteral("Write JSON instead of a tree.")));
     line.addOption(QCommandLineOption(QStringLiteral("records"), QStringLiteral("Also show the recorded commands.")));
@@ -22,7 +22,7 @@ int DumpCommand::run(const QStringList &arguments)
     bool ok = true;
     const int page = line.isSet(QStringLiteral("page")) ? line.value(QStringLiteral("page")).toInt(&ok) : 0;
     if (!ok || page < 0 || (line.isSet(QStringLiteral("page")) && page == 0))
-        return Console::fail(QStringLiteral("dump: --page takes a page number from 1 on"), ExitUsage);
+        return Console::usage(QStringLiteral("dump: --page takes a page number from 1 on"), line.usageLine());
     return LessonSource::withPages(line.argument(0), [&](const LessonPages &pages) {
         LessonDumper dumper(pages);
         dumper.setRecords(line.isSet(QStringLiteral("records")));

@@ -1,39 +1,33 @@
 #include "filetree.h"
 
+#include "console.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
-#include <cstdio>
-#include <fcntl.h>
-#include <unistd.h>
+#include <cerrno>
 
 namespace {
 
-// The new archive's data must be on disk before its name replaces the old one.
-bool syncToDisk(const QString &path)
-{
-    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0)
-        return false;
-    const bool synced = ::fsync(fd) == 0;
-    ::close(fd);
-    return synced;
-}
-
 const QDir::Filters kEntries = QDir::AllEntries | QDir::NoDotAndDotDot | QDir::NoSymLinks | QDir::Hidden;
+
+bool makeFolder(const QDir &parent, const QString &name, QString *error)
+{
+    errno = 0;
+    if (parent.mkpath(name))
+        return true;
+    *error = QStringLiteral("cannot make the folder '%1': %2").arg(QDir::cleanPath(parent.filePath(name)), Console::systemReason(errno ? errno : EIO));
+    return false;
+}
 
 bool copyEntry(const QFileInfo &entry, const QDir &source, const QDir &target, QString *error)
 {
     const QString relative = source.relativeFilePath(entry.filePath());
     const QString destination = target.filePath(relative);
-    if (entry.isDir()) {
-        if (target.mkpath(relative))
-            return true;
-        *error = QStringLiteral("cannot make the folder '%1'").arg(destination);
-        return false;
-    }
+    if (entry.isDir())
+        return makeFolder(target, relative, error);
     if (QFile::exists(destination))
         QFile::remove(destination);
     if (QFile::copy(entry.filePath(), destination))
@@ -45,14 +39,15 @@ bool copyEntry(const QFileInfo &entry, const QDir &source, const QDir &target, Q
 
 } // namespace
 
-bool FileTree::copy(const QString &source, const QString &target, QString *error)
+bool FileTree::copy(const QString &given, const QString &target, QString *error)
 {
+    // Relative entry names come from an absolute root: from a relative one,
+    // QDir::relativeFilePath hands the source's own relative path back.
+    const QString source = QFileInfo(given).absoluteFilePath();
     const QDir from(source);
-    QDir to(target);
-    if (!to.mkpath(QStringLiteral("."))) {
-        *error = QStringLiteral("cannot make the folder '%1'").arg(target);
+    const QDir to(target);
+    if (!makeFolder(to, QStringLiteral("."), error))
         return false;
-    }
     // Parents come before their children in the iteration, so folders exist
     // before their files are copied.
     QDirIterator it(source, kEntries, QDirIterator::Subdirectories);
@@ -86,23 +81,4 @@ bool FileTree::isEmptyOrMissing(const QString &folder)
 bool FileTree::isLessonFolder(const QString &folder)
 {
     return QFileInfo(QDir(folder).filePath(QStringLiteral("manifest.xml"))).isFile();
-}
-
-bool FileTree::publish(const QString &source, const QString &target, QString *error)
-{
-    const QString partial = target + QStringLiteral(".part");
-    QFile::remove(partial);
-    if (!QFile::copy(source, partial) || !syncToDisk(partial)) {
-        QFile::remove(partial);
-        *error = QStringLiteral("cannot write '%1'").arg(target);
-        return false;
-    }
-    // rename(2) swaps the old archive for the new one in a single step, so a
-    // kill or crash at any moment leaves one of them whole; removing the old
-    // one first would leave nothing between the two calls.
-    if (::rename(QFile::encodeName(partial).constData(), QFile::encodeName(target).constData()) == 0)
-        return true;
-    QFile::remove(partial);
-    *error = QStringLiteral("cannot replace '%1'").arg(target);
-    return false;
 }

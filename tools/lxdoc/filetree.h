@@ -16,9 +16,6 @@ public:
     static QStringList files(const QString &folder);
     static bool isEmptyOrMissing(const QString &folder);
     static bool isLessonFolder(const QString &folder);
-    // Puts a finished file at target; an older target is replaced only once
-    // the new copy is complete, so a failure leaves it as it was.
-    static bool publish(const QString &source, const QString &target, QString *error);
 };
 
 #endif

@@ -10,7 +10,7 @@ int InfoCommand::run(const QStringList &arguments)
 {
     CommandLine line(QStringLiteral("info"), QStringLiteral("Shows the pages of a lesson in order (id, title, size, "
                                                             "objects, recorded commands) and its resources."));
-    line.addArgument(QStringLiteral("FILE"), QStringLiteral("The lesson archive or folder."));
+    line.addArgument(QStringLiteral("FILE"), QStringLiteral("The lesson archive or folder; '-' reads an archive from the standard input."));
     const int status = line.parse(arguments);
     if (status >= 0)
         return status;

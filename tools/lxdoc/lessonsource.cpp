@@ -4,14 +4,20 @@
 #include "console.h"
 #include "filetree.h"
 #include "lessonpages.h"
+#include "privatetemp.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+
+#include <unistd.h>
 
 LessonSource::LessonSource(const QString &path)
     : m_path(path)
 {
 }
+
+LessonSource::~LessonSource() = default;
 
 bool LessonSource::prepareReadOnly()
 {
@@ -56,6 +62,16 @@ QString LessonSource::error() const
     return m_error;
 }
 
+bool LessonSource::isStandardStream(const QString &path)
+{
+    return path == QLatin1String("-");
+}
+
+QString LessonSource::displayName(const QString &path)
+{
+    return isStandardStream(path) ? QStringLiteral("the standard input") : QStringLiteral("'%1'").arg(path);
+}
+
 bool LessonSource::isArchiveName(const QString &path)
 {
     const QString suffix = QFileInfo(path).suffix().toLower();
@@ -64,6 +80,8 @@ bool LessonSource::isArchiveName(const QString &path)
 
 bool LessonSource::checkPath()
 {
+    if (isStandardStream(m_path))
+        return true;
     const QFileInfo info(m_path);
     if (!info.exists())
         return fail(QStringLiteral("no such file or folder"));
@@ -77,9 +95,9 @@ bool LessonSource::checkPath()
 
 bool LessonSource::makeTemporaryFolder()
 {
-    m_temp = std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/lxdoc-XXXXXX"));
+    m_temp = std::make_unique<PrivateTemp>();
     if (!m_temp->isValid())
-        return fail(QStringLiteral("cannot make a temporary folder: %1").arg(m_temp->errorString()));
+        return fail(QStringLiteral("cannot make a temporary folder in '%1': %2").arg(QDir::tempPath(), m_temp->errorString()));
     m_folder = m_temp->filePath(QStringLiteral("lesson"));
     return QDir().mkpath(m_folder) || fail(QStringLiteral("cannot make a temporary folder"));
 }
@@ -89,9 +107,35 @@ bool LessonSource::unpackArchive()
     ArchiveSession plugin;
     if (!plugin.isLoaded())
         return fail(plugin.errorString());
-    if (!plugin.unpack(QFileInfo(m_path).absoluteFilePath(), m_folder))
+    QString archive = QFileInfo(m_path).absoluteFilePath();
+    if (isStandardStream(m_path)) {
+        archive = m_temp->filePath(QStringLiteral("input.lzn"));
+        if (!readStandardInput(archive))
+            return false;
+    }
+    if (!plugin.unpack(archive, m_folder))
         return fail(QStringLiteral("not a lesson archive (%1)").arg(plugin.errorString()));
     return FileTree::isLessonFolder(m_folder) || fail(QStringLiteral("not a lesson archive (no manifest.xml inside)"));
+}
+
+bool LessonSource::readStandardInput(const QString &file)
+{
+    // Typing an archive is never what was meant: a forgotten "<" would hang.
+    if (::isatty(STDIN_FILENO))
+        return fail(QStringLiteral("it is a terminal, not an archive"));
+    QFile input;
+    QFile output(file);
+    if (!input.open(stdin, QIODevice::ReadOnly) || !output.open(QIODevice::WriteOnly))
+        return fail(QStringLiteral("cannot read it"));
+    // Archives are read in pieces: the input may be larger than memory allows.
+    QByteArray chunk;
+    while (!(chunk = input.read(1 << 20)).isEmpty()) {
+        if (output.write(chunk) != chunk.size())
+            return fail(QStringLiteral("cannot keep a copy: %1").arg(output.errorString()));
+    }
+    if (input.error() != QFileDevice::NoError)
+        return fail(input.errorString());
+    return output.size() > 0 || fail(QStringLiteral("it is empty"));
 }
 
 bool LessonSource::copyFolder()
@@ -102,7 +146,7 @@ bool LessonSource::copyFolder()
 
 bool LessonSource::fail(const QString &reason)
 {
-    m_error = QStringLiteral("cannot open '%1': %2").arg(m_path, reason);
+    m_error = QStringLiteral("cannot open %1: %2").arg(displayName(m_path), reason);
     return false;
 }
 

@@ -4,19 +4,21 @@
 #include "handle.h"
 
 #include <QString>
-#include <QTemporaryDir>
 
 #include <functional>
 #include <memory>
 
 class LessonPages;
+class PrivateTemp;
 
 // A lesson named on the command line: an archive or an unpacked folder.
 // The library deletes the working folder of a document on release and opens
-// folders in place, so it only ever gets a private copy.
+// folders in place, so it only ever gets a private copy. The path "-" is an
+// archive read from the standard input.
 class LessonSource {
 public:
     explicit LessonSource(const QString &path);
+    ~LessonSource();
 
     // A folder to read and never change: the user's folder itself, or the
     // archive unpacked into a private temporary folder.
@@ -30,6 +32,9 @@ public:
     QString error() const;
 
     static bool isArchiveName(const QString &path);
+    static bool isStandardStream(const QString &path);
+    // How messages name a path: "'x.lzn'", or "the standard input" for "-".
+    static QString displayName(const QString &path);
     // The one way a command reaches a lesson's pages: opens a private copy of
     // the lesson at path, hands its pages to work and returns work's status
     // (or reports why the lesson cannot be opened).
@@ -39,12 +44,13 @@ private:
     bool checkPath();
     bool makeTemporaryFolder();
     bool unpackArchive();
+    bool readStandardInput(const QString &file);
     bool copyFolder();
     bool fail(const QString &reason);
 
     QString m_path;
     bool m_isFolder = false;
-    std::unique_ptr<QTemporaryDir> m_temp;
+    std::unique_ptr<PrivateTemp> m_temp;
     QString m_folder;
     Handle<ILXDocument> m_document;
     QString m_error;

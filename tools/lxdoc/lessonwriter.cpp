@@ -1,13 +1,15 @@
 #include "lessonwriter.h"
 
-#include "filetree.h"
 #include "lessonsource.h"
+#include "outputfile.h"
+#include "privatetemp.h"
 
 #include <QDir>
 #include <QFileInfo>
 
-LessonWriter::LessonWriter(const QString &archive)
+LessonWriter::LessonWriter(const QString &archive, bool force)
     : m_archive(archive)
+    , m_output(std::make_unique<OutputFile>(archive, OutputFile::Archive, force))
 {
 }
 
@@ -56,8 +58,11 @@ bool LessonWriter::finish()
     // A failed packing still reports success; the archive tells.
     if (!document()->saveFile(packed, true) || QFileInfo(packed).size() == 0)
         return fail(QStringLiteral("packing failed (is ziplib.so beside lxdoc?)"));
-    QString reason;
-    return FileTree::publish(packed, m_archive, &reason) || fail(reason);
+    if (m_output->publish(packed))
+        return true;
+    // Already one whole line naming the archive.
+    m_error = m_output->error();
+    return false;
 }
 
 QString LessonWriter::error() const
@@ -73,9 +78,10 @@ bool LessonWriter::fail(const QString &reason)
 
 bool LessonWriter::checkTarget()
 {
-    const QFileInfo target(QFileInfo(m_archive).absolutePath());
-    if (!target.isDir() || !target.isWritable())
-        return fail(QStringLiteral("cannot write to the folder '%1'").arg(target.filePath()));
-    m_temp = std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/lxdoc-XXXXXX"));
+    if (!m_output->check()) {
+        m_error = m_output->error();
+        return false;
+    }
+    m_temp = std::make_unique<PrivateTemp>();
     return m_temp->isValid() || fail(QStringLiteral("cannot make a temporary folder"));
 }

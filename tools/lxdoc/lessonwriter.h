@@ -4,18 +4,20 @@
 #include "handle.h"
 
 #include <QString>
-#include <QTemporaryDir>
 
 #include <memory>
 
 class LessonSource;
+class OutputFile;
+class PrivateTemp;
 
 // A lesson written through the document interfaces the way the board saves
 // one: the document works in a private temporary folder, and the archive
 // reaches its place only when it is complete, so a failure leaves nothing.
 class LessonWriter {
 public:
-    explicit LessonWriter(const QString &archive);
+    // force: replace an existing file that is not a lesson archive.
+    explicit LessonWriter(const QString &archive, bool force = false);
     ~LessonWriter();
     LessonWriter(const LessonWriter &) = delete;
     LessonWriter &operator=(const LessonWriter &) = delete;
@@ -36,7 +38,8 @@ private:
     bool checkTarget();
 
     QString m_archive;
-    std::unique_ptr<QTemporaryDir> m_temp;
+    std::unique_ptr<OutputFile> m_output;
+    std::unique_ptr<PrivateTemp> m_temp;
     std::unique_ptr<LessonSource> m_source;
     Handle<ILXDocument> m_document;
     QString m_error;

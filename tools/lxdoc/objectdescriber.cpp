@@ -1,32 +1,27 @@
 #include "objectdescriber.h"
 
 #include "handle.h"
+#include "jsonnumber.h"
 
 #include <QJsonArray>
 #include <QXmlStreamReader>
 
 namespace {
 
-// Attributes shown as they are stored, numbers as numbers.
+// Attributes shown as they are stored, as text: a length may be "100%", so
+// a number here would make the same field sometimes a number, sometimes not.
 const char *const kPlainAttributes[] = {"x", "y", "width", "height", "cx", "cy", "rx", "ry",
                                         "x1", "y1", "x2", "y2", "xlink:href", "stroke-dasharray",
                                         "stroke-linejoin", "marker-start", "marker-end"};
 
-QJsonValue plainValue(const QString &text)
-{
-    bool isNumber = false;
-    const double number = text.toDouble(&isNumber);
-    return isNumber ? QJsonValue(number) : QJsonValue(text);
-}
-
 QJsonObject placement(QPointF pos, QSizeF scale, float angle, bool flipH, bool flipV)
 {
     QJsonObject result;
-    result.insert(QStringLiteral("x"), pos.x());
-    result.insert(QStringLiteral("y"), pos.y());
-    result.insert(QStringLiteral("scale-x"), scale.width());
-    result.insert(QStringLiteral("scale-y"), scale.height());
-    result.insert(QStringLiteral("angle"), double(angle));
+    result.insert(QStringLiteral("x"), JsonNumber::shortest(pos.x()));
+    result.insert(QStringLiteral("y"), JsonNumber::shortest(pos.y()));
+    result.insert(QStringLiteral("scale-x"), JsonNumber::shortest(scale.width()));
+    result.insert(QStringLiteral("scale-y"), JsonNumber::shortest(scale.height()));
+    result.insert(QStringLiteral("angle"), JsonNumber::shortest(angle));
     if (flipH)
         result.insert(QStringLiteral("flip-h"), true);
     if (flipV)
@@ -100,12 +95,12 @@ void ObjectDescriber::addStyle(QJsonObject &node, ILXObject *object)
         node.insert(QStringLiteral("stroke"), color.name());
     float number = 0;
     if (object->getStrokeWidth(number))
-        node.insert(QStringLiteral("stroke-width"), double(number));
+        node.insert(QStringLiteral("stroke-width"), JsonNumber::shortest(number));
     bool filled = false;
     if (object->getFill(filled, color))
         node.insert(QStringLiteral("fill"), filled ? color.name() : QStringLiteral("none"));
     if (object->getOpacity(number))
-        node.insert(QStringLiteral("opacity"), double(number));
+        node.insert(QStringLiteral("opacity"), JsonNumber::shortest(number));
     bool locked = false;
     if (object->getLocked(locked) && locked)
         node.insert(QStringLiteral("locked"), true);
@@ -116,7 +111,7 @@ void ObjectDescriber::addPlainAttributes(QJsonObject &node, ILXObject *object)
     for (const char *name : kPlainAttributes) {
         QString text;
         if (object->getLXObjectAttribute(QString::fromLatin1(name), text))
-            node.insert(QString::fromLatin1(name), plainValue(text));
+            node.insert(QString::fromLatin1(name), text);
     }
 }
 
@@ -126,7 +121,8 @@ void ObjectDescriber::addGeometry(QJsonObject &node, ILXObject *object)
     QRectF bound;
     // getBound reports success even without a bound, so ask for the text first.
     if (object->getLXObjectAttribute(QStringLiteral("bound"), text) && object->getBound(bound))
-        node.insert(QStringLiteral("bound"), QJsonArray{bound.x(), bound.y(), bound.width(), bound.height()});
+        node.insert(QStringLiteral("bound"), QJsonArray{JsonNumber::shortest(bound.x()), JsonNumber::shortest(bound.y()),
+                                                                  JsonNumber::shortest(bound.width()), JsonNumber::shortest(bound.height())});
     const int polygons = object->getPolygonCount();
     if (polygons > 0)
         node.insert(QStringLiteral("polygons"), polygons);

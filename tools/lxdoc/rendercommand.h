@@ -10,8 +10,14 @@ class RenderCommand {
 public:
     static int run(const QStringList &arguments);
 
-    // Shared with "demo": draws pages into folder (and pdf when given); size is "WxH" or empty.
-    static int renderPages(const LessonPages &pages, const QString &folder, const QString &pdf, const QString &size);
+    struct Outputs {
+        QString folder;
+        QString pdf;  // empty: no PDF
+        QString size; // "WxH", or empty for the page size
+        bool force;
+    };
+    // Shared with "demo": draws pages into the folder (and the PDF when given).
+    static int renderPages(const LessonPages &pages, const Outputs &outputs);
 };
 
 #endif

@@ -10,22 +10,25 @@
 int UnpackCommand::run(const QStringList &arguments)
 {
     CommandLine line(QStringLiteral("unpack"), QStringLiteral("Unpacks a lesson archive into a new or empty folder."));
-    line.addArgument(QStringLiteral("FILE"), QStringLiteral("The lesson archive (.lzn or .resitem)."));
+    line.addArgument(QStringLiteral("FILE"), QStringLiteral("The lesson archive (.lzn or .resitem); '-' reads it from the standard input."));
     line.addArgument(QStringLiteral("FOLDER"), QStringLiteral("The folder to fill; it must be empty or missing."));
     const int status = line.parse(arguments);
     if (status >= 0)
         return status;
     const QString archive = line.argument(0);
     const QString folder = line.argument(1);
-    if (QFileInfo(archive).isDir())
+    if (!LessonSource::isStandardStream(archive) && QFileInfo(archive).isDir())
         return Console::fail(QStringLiteral("cannot unpack '%1': it is a folder, not an archive").arg(archive));
     if (!FileTree::isEmptyOrMissing(folder))
         return Console::fail(QStringLiteral("cannot unpack into '%1': it exists and is not an empty folder").arg(folder));
     LessonSource source(archive);
+    Console::progress(1, 2, QStringLiteral("unpacking"));
     if (!source.prepareReadOnly())
         return Console::fail(source.error());
+    Console::progress(2, 2, QStringLiteral("copying"));
     QString reason;
     if (!FileTree::copy(source.folder(), folder, &reason))
         return Console::fail(QStringLiteral("cannot unpack into '%1': %2").arg(folder, reason));
+    Console::endProgress();
     return ExitOk;
 }
