@@ -8,6 +8,14 @@
 
 namespace {
 
+// The data was checked once when read; checking it again at every number
+// would make long paths quadratic.
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+const auto kAnchoredUnchecked = QRegularExpression::AnchoredMatchOption | QRegularExpression::DontCheckSubjectStringMatchOption;
+#else
+const auto kAnchoredUnchecked = QRegularExpression::AnchorAtOffsetMatchOption | QRegularExpression::DontCheckSubjectStringMatchOption;
+#endif
+
 QPointF unit(const QPointF &vector)
 {
     const double length = std::hypot(vector.x(), vector.y());
@@ -47,7 +55,7 @@ QList<QPointF> PathReader::points()
     while (m_at < m_data.size()) {
         if (m_data.at(m_at).isLetter())
             letter = m_data.at(m_at++);
-        else if (letter.isNull() || !atNumber())
+        else if (letter.isNull() || letter.toUpper() == QLatin1Char('Z') || !atNumber())
             break;
         if (!command(letter))
             break;
@@ -142,7 +150,7 @@ bool PathReader::number(double *value)
 {
     skipSeparators();
     const QRegularExpressionMatch match = SvgNumbers::pattern().match(m_data, m_at, QRegularExpression::NormalMatch,
-                                                                QRegularExpression::AnchorAtOffsetMatchOption);
+                                                                kAnchoredUnchecked);
     if (!match.hasMatch())
         return false;
     *value = match.captured().toDouble();
