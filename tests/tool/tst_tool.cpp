@@ -259,10 +259,10 @@ void TestTool::dumpJsonParses()
     QCOMPARE(strokes.at(3).toObject().value(QLatin1String("polygons")).toInt(), 2);
 
     const QJsonArray commands = first.value(QLatin1String("commands")).toArray();
-    QCOMPARE(commands.size(), 6);
-    QCOMPARE(commands.at(4).toObject().value(QLatin1String("class")).toString(), QStringLiteral("move"));
-    QCOMPARE(commands.at(4).toObject().value(QLatin1String("transform")).toObject().value(QLatin1String("x")).toDouble(), 24.0);
-    QCOMPARE(commands.at(5).toObject().value(QLatin1String("steps")).toArray().size(), 2);
+    QCOMPARE(commands.size(), 11);
+    QCOMPARE(commands.at(9).toObject().value(QLatin1String("class")).toString(), QStringLiteral("move"));
+    QCOMPARE(commands.at(9).toObject().value(QLatin1String("transform")).toObject().value(QLatin1String("x")).toDouble(), 24.0);
+    QCOMPARE(commands.at(10).toObject().value(QLatin1String("steps")).toArray().size(), 2);
 }
 
 void TestTool::dumpTreeAndPageSelection()
