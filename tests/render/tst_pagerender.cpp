@@ -46,14 +46,24 @@ void setNumbers(ILXObject *object, const QList<QPair<const char *, float>> &numb
         object->setLXObjectAttribute(QString::fromLatin1(number.first), number.second);
 }
 
+// "Round" (LineCapNone) is how the board stores a bare end.
+void styleStroke(ILXObject *object, float width, Qt::PenCapStyle cap, LineCapStyle start = LineCapNone,
+                 LineCapStyle end = LineCapNone)
+{
+    object->setStroke(kInk);
+    object->setStrokeWidth(width);
+    object->setFill(false, QColor());
+    object->setStrokeLineCap(cap);
+    object->setMarkerStart(start);
+    object->setMarkerEnd(end);
+}
+
 Object addLine(ILXFrontPage *page, const QLineF &line, float width, Qt::PenCapStyle cap)
 {
     Object object = add(page, "line");
     setNumbers(object.get(), {{"x1", float(line.x1())}, {"y1", float(line.y1())},
                               {"x2", float(line.x2())}, {"y2", float(line.y2())}});
-    object->setStroke(kInk);
-    object->setStrokeWidth(width);
-    object->setStrokeLineCap(cap);
+    styleStroke(object.get(), width, cap);
     return object;
 }
 
@@ -236,12 +246,7 @@ void TestPageRender::drawsBoardEncodings_data()
                Object object = add(page, "polyline");
                QList<QPointF> points{{40, 110}, {100, 50}, {160, 110}};
                object->setPoints(points, false);
-               object->setStroke(kInk);
-               object->setStrokeWidth(6);
-               object->setFill(false, QColor());
-               object->setStrokeLineCap(Qt::FlatCap);
-               object->setMarkerStart(LineCapSquare);
-               object->setMarkerEnd(LineCapRound);
+               styleStroke(object.get(), 6, Qt::FlatCap, LineCapSquare, LineCapRound);
            })
         << Paint([](QPainter &painter, const QImage &) {
                painter.setPen(QPen(kInk, 6, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
@@ -253,12 +258,7 @@ void TestPageRender::drawsBoardEncodings_data()
         << Build([](ILXFrontPage *page, const QString &) {
                Object object = add(page, "path");
                object->setLXObjectAttribute(QStringLiteral("d"), QStringLiteral("M 30 100 C 30 20 150 20 150 90"));
-               object->setStroke(kInk);
-               object->setStrokeWidth(5);
-               object->setFill(false, QColor());
-               object->setStrokeLineCap(Qt::FlatCap);
-               object->setMarkerStart(LineCapNone);
-               object->setMarkerEnd(LineCapArrow);
+               styleStroke(object.get(), 5, Qt::FlatCap, LineCapNone, LineCapArrow);
            })
         << Paint([](QPainter &painter, const QImage &) {
                QPainterPath path(QPointF(30, 100));
