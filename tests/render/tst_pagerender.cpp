@@ -161,7 +161,8 @@ private slots:
     void frameStaysBehindText();
     void hostilePageEndsQuickly_data();
     void hostilePageEndsQuickly();
-    void deepPageIsRefused();
+    void refusedWithReason_data();
+    void refusedWithReason();
 };
 
 void TestPageRender::initTestCase()
@@ -380,21 +381,41 @@ void TestPageRender::hostilePageEndsQuickly()
     QCOMPARE(pixelsOf(drawn, kSecret), 0);
 }
 
-void TestPageRender::deepPageIsRefused()
+void TestPageRender::refusedWithReason_data()
 {
-    const QString lesson = lessonFile([](ILXFrontPage *, const QString &) {});
-    const QString folder = m_dir.filePath(QStringLiteral("deep"));
-    QCOMPARE(runTool({QStringLiteral("unpack"), lesson, folder})->exitCode(), 0);
-    QFile page(QDir(folder).filePath(QStringLiteral("page1.svg")));
-    QVERIFY(page.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    page.write("<svg width=\"200\" height=\"150\">" + QByteArray("<g>").repeated(2000) + QByteArray("</g>").repeated(2000) + "</svg>");
-    page.close();
+    QTest::addColumn<QByteArray>("page");
+    QTest::addColumn<QString>("size");
+    QTest::addColumn<QByteArray>("reason");
+    QTest::newRow("nested 2,000 deep")
+        << QByteArray("<svg width=\"200\" height=\"150\">" + QByteArray("<g>").repeated(2000) + QByteArray("</g>").repeated(2000) + "</svg>")
+        << QString() << QByteArray("nested more than 256");
+    QTest::newRow("output too large")
+        << QByteArray("<svg width=\"200\" height=\"150\"/>") << QStringLiteral("20000x20000") << QByteArray("more than the limit of 67108864");
+}
+
+// The page is written by hand into an unpacked lesson: the library would
+// not build such a page.
+void TestPageRender::refusedWithReason()
+{
+    QFETCH(QByteArray, page);
+    QFETCH(QString, size);
+    QFETCH(QByteArray, reason);
+    const QString folder = m_dir.filePath(QStringLiteral("refused-%1").arg(++m_lessons));
+    QCOMPARE(runTool({QStringLiteral("unpack"), lessonFile([](ILXFrontPage *, const QString &) {}), folder})->exitCode(), 0);
+    QFile file(QDir(folder).filePath(QStringLiteral("page1.svg")));
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(page);
+    file.close();
     QElapsedTimer timer;
     timer.start();
-    QProcess *tool = runTool({QStringLiteral("render"), folder, m_dir.filePath(QStringLiteral("deep-out"))});
+    QStringList arguments{QStringLiteral("render"), folder, folder + QStringLiteral("-out")};
+    if (!size.isEmpty())
+        arguments << QStringLiteral("--size") << size;
+    QProcess *tool = runTool(arguments);
     QVERIFY(timer.elapsed() < 20000);
     QCOMPARE(tool->exitCode(), 1);
-    QVERIFY2(tool->readAllStandardError().contains("nested more than 256"), "no reason given");
+    const QByteArray error = tool->readAllStandardError();
+    QVERIFY2(error.contains(reason), error.constData());
 }
 
 QTEST_MAIN(TestPageRender)
