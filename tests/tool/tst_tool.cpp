@@ -206,7 +206,7 @@ void TestTool::infoListsPagesAndResources()
         QVERIFY2(line.contains(QLatin1String("commands")), qPrintable(line));
     }
     QVERIFY(lines.value(1).contains(QLatin1String("800x600")));
-    QVERIFY(lines.value(1).contains(QLatin1String("4 objects")));
+    QVERIFY(lines.value(1).contains(QLatin1String("9 objects")));
     QVERIFY(lines.value(3).contains(QLatin1String("1024x768")));
     QVERIFY(info.out.contains(QLatin1String("images: 1 file")));
     QVERIFY(info.out.contains(QLatin1String("images/sample-picture.png")));
@@ -228,7 +228,7 @@ void TestTool::dumpJsonParses()
     QStringList classes;
     for (const QJsonValue &object : objects)
         classes << object.toObject().value(QLatin1String("class")).toString();
-    QCOMPARE(classes, QStringList({"rect", "ellipse", "line", "text"}));
+    QCOMPARE(classes, QStringList({"rect", "ellipse", "line", "text", "line", "line", "line", "polyline", "image"}));
     const QJsonObject rect = objects.at(0).toObject();
     QCOMPARE(rect.value(QLatin1String("fill")).toString(), kRectFill);
     QCOMPARE(rect.value(QLatin1String("gid")).toInt(), 1);
@@ -241,10 +241,10 @@ void TestTool::dumpJsonParses()
     QCOMPARE(strokes.at(3).toObject().value(QLatin1String("polygons")).toInt(), 2);
 
     const QJsonArray commands = first.value(QLatin1String("commands")).toArray();
-    QCOMPARE(commands.size(), 6);
-    QCOMPARE(commands.at(4).toObject().value(QLatin1String("class")).toString(), QStringLiteral("move"));
-    QCOMPARE(commands.at(4).toObject().value(QLatin1String("transform")).toObject().value(QLatin1String("x")).toDouble(), 24.0);
-    QCOMPARE(commands.at(5).toObject().value(QLatin1String("steps")).toArray().size(), 2);
+    QCOMPARE(commands.size(), 11);
+    QCOMPARE(commands.at(9).toObject().value(QLatin1String("class")).toString(), QStringLiteral("move"));
+    QCOMPARE(commands.at(9).toObject().value(QLatin1String("transform")).toObject().value(QLatin1String("x")).toDouble(), 24.0);
+    QCOMPARE(commands.at(10).toObject().value(QLatin1String("steps")).toArray().size(), 2);
 }
 
 void TestTool::dumpTreeAndPageSelection()

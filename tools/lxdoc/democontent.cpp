@@ -32,7 +32,7 @@ QList<QPointF> square(const QPointF &origin, double side)
 
 QList<DemoPageModel> DemoContent::pages(const QString &pictureName)
 {
-    return {shapesPage(), freehandPage(), picturePage(pictureName)};
+    return {shapesPage(pictureName), freehandPage(), picturePage(pictureName)};
 }
 
 bool DemoContent::writePicture(const QString &path)
@@ -49,7 +49,7 @@ bool DemoContent::writePicture(const QString &path)
     return picture.save(path, "PNG");
 }
 
-DemoPageModel DemoContent::shapesPage()
+DemoPageModel DemoContent::shapesPage(const QString &pictureName)
 {
     DemoPageModel page;
     page.id = 1;
@@ -57,14 +57,36 @@ DemoPageModel DemoContent::shapesPage()
     page.size = QSize(800, 600);
     page.background = QColor(0xff, 0xf8, 0xe1);
     page.grid = grid(40, QColor(0xb0, 0xbe, 0xc5), Qt::SolidLine);
+    DemoShape arrow = shape(DemoShape::Line, QRectF(QPointF(80, 320), QPointF(680, 320)), QColor(0xe5, 0x39, 0x35), QColor(), 6);
+    arrow.endMarker = LineCapArrow;
     page.shapes << shape(DemoShape::Rect, QRectF(80, 80, 240, 140), QColor(0x0d, 0x47, 0xa1), QColor(0x1e, 0x88, 0xe5), 4)
                 << shape(DemoShape::Ellipse, QRectF(420, 90, 260, 160), QColor(0x1b, 0x5e, 0x20), QColor(0x66, 0xbb, 0x6a), 3)
-                << shape(DemoShape::Line, QRectF(QPointF(80, 320), QPointF(700, 320)), QColor(0xe5, 0x39, 0x35), QColor(), 6);
+                << arrow;
     DemoShape text = shape(DemoShape::Text, QRectF(80, 380, 440, 110), QColor(0x6a, 0x1b, 0x9a), QColor(0xf3, 0xe5, 0xf5), 2);
     text.text = QStringLiteral("Shapes, lines and text");
-    page.shapes << text;
+    page.shapes << text << lineEnds();
+    DemoShape picture = shape(DemoShape::Image, QRectF(80, 505, 440, 80), QColor(), QColor(), 0);
+    picture.text = pictureName;
+    page.shapes << picture;
     page.commands = recording(page.shapes);
     return page;
+}
+
+QList<DemoShape> DemoContent::lineEnds()
+{
+    QList<DemoShape> lines;
+    const QColor ink(0x4e, 0x34, 0x2e);
+    const Qt::PenCapStyle caps[] = {Qt::RoundCap, Qt::FlatCap, Qt::SquareCap};
+    for (int i = 0; i < 3; ++i) {
+        DemoShape line = shape(DemoShape::Line, QRectF(QPointF(590, 380 + 36 * i), QPointF(720, 380 + 36 * i)), ink, QColor(), 16);
+        line.cap = caps[i];
+        lines << line;
+    }
+    DemoShape zigzag = shape(DemoShape::Polyline, QRectF(), QColor(0xef, 0x6c, 0x00), QColor(), 5);
+    zigzag.points = {{590, 560}, {630, 510}, {670, 560}, {710, 510}};
+    zigzag.startMarker = LineCapSquare;
+    zigzag.endMarker = LineCapRound;
+    return lines << zigzag;
 }
 
 DemoPageModel DemoContent::freehandPage()

@@ -16,7 +16,9 @@ public:
     static bool writePicture(const QString &path);
 
 private:
-    static DemoPageModel shapesPage();
+    static DemoPageModel shapesPage(const QString &pictureName);
+    // Line caps and end decorations, one of each.
+    static QList<DemoShape> lineEnds();
     static DemoPageModel freehandPage();
     static DemoPageModel picturePage(const QString &pictureName);
     static QList<DemoCommand> recording(const QList<DemoShape> &shapes);

@@ -1,6 +1,7 @@
 #ifndef LXDOC_TOOL_DEMOPAGEMODEL_H
 #define LXDOC_TOOL_DEMOPAGEMODEL_H
 
+#include "linecapstyle.h"
 #include "tagpagegrid.h"
 
 #include <QColor>
@@ -18,6 +19,9 @@ struct DemoShape {
     QColor stroke;
     QColor fill;                 // invalid: not filled
     float width = 1.0f;
+    Qt::PenCapStyle cap = Qt::FlatCap;          // Line, Stroke, Polyline
+    LineCapStyle startMarker = LineCapNone;     // Line, Polyline
+    LineCapStyle endMarker = LineCapNone;
     QList<QPointF> points;       // Stroke, Polyline
     QList<float> widths;         // Stroke: one per point
     QList<QList<QPointF>> parts; // Drawing: one polyline each

@@ -34,7 +34,7 @@ void DemoPainter::paintGrid(QPainter &painter) const
 
 void DemoPainter::paintShape(QPainter &painter, const DemoShape &shape) const
 {
-    painter.setPen(shape.stroke.isValid() ? QPen(shape.stroke, shape.width) : QPen(Qt::NoPen));
+    painter.setPen(shape.stroke.isValid() ? QPen(shape.stroke, shape.width, Qt::SolidLine, shape.cap) : QPen(Qt::NoPen));
     painter.setBrush(shape.fill.isValid() ? QBrush(shape.fill) : QBrush(Qt::NoBrush));
     switch (shape.kind) {
     case DemoShape::Rect: painter.drawRect(shape.box); break;

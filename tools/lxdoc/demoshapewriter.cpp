@@ -51,8 +51,12 @@ void DemoShapeWriter::writeStyle(ILXObject *object, const DemoShape &shape)
     object->setFill(shape.fill.isValid(), shape.fill);
     if (shape.kind == DemoShape::Stroke)
         object->setStrokeLineJoin(Qt::RoundJoin);
-    if (shape.kind == DemoShape::Line)
-        object->setMarkerEnd(LineCapArrow);
+    if (shape.kind == DemoShape::Line || shape.kind == DemoShape::Stroke || shape.kind == DemoShape::Polyline)
+        object->setStrokeLineCap(shape.cap);
+    if (shape.startMarker != LineCapNone)
+        object->setMarkerStart(shape.startMarker);
+    if (shape.endMarker != LineCapNone)
+        object->setMarkerEnd(shape.endMarker);
 }
 
 void DemoShapeWriter::writeGeometry(ILXObject *object, const DemoShape &shape)
@@ -107,16 +111,18 @@ void DemoShapeWriter::writeText(ILXObject *object, const DemoShape &shape)
 {
     object->setBound(shape.box);
     object->setTransform(shape.box.topLeft(), QSizeF(1, 1), 0.0f, false, false, QPointF());
-    Qt::PenStyle style = Qt::SolidLine;
-    object->setTextFrame(shape.stroke, shape.width, style, true, shape.fill);
     object->setSvgText(QStringLiteral("<svg><text x=\"16\" y=\"%1\" font-family=\"sans-serif\" font-size=\"28\" "
                                       "fill=\"%2\">%3</text></svg>")
                            .arg(int(shape.box.height() / 2 + 10))
                            .arg(shape.stroke.name(), shape.text.toHtmlEscaped()));
+    // The board adds a frame after the text it surrounds; it is still drawn behind it.
+    Qt::PenStyle style = Qt::SolidLine;
+    object->setTextFrame(shape.stroke, shape.width, style, true, shape.fill);
 }
 
 void DemoShapeWriter::writeImage(ILXObject *object, const DemoShape &shape)
 {
     writeRect(object, shape.box);
-    object->setLXObjectAttribute(QStringLiteral("xlink:href"), shape.text);
+    // The plain SVG 2 name; the picture keeps its proportions inside the box.
+    object->setLXObjectAttribute(QStringLiteral("href"), shape.text);
 }

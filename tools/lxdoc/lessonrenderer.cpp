@@ -17,6 +17,9 @@ namespace {
 
 // Larger pages are damaged page files, not boards.
 const int kMaxSide = 20000;
+// An image larger than this (256 MiB of pixels) is refused rather than
+// allocated.
+const qint64 kMaxPixels = qint64(8192) * 8192;
 
 } // namespace
 
@@ -113,7 +116,11 @@ bool LessonRenderer::renderImage(int index, const QString &path)
     QSize size;
     if (!pageSvg(index, &svg, &size))
         return false;
-    QImage image(outputSize(size), QImage::Format_ARGB32_Premultiplied);
+    const QSize pixels = outputSize(size);
+    if (qint64(pixels.width()) * pixels.height() > kMaxPixels)
+        return fail(QStringLiteral("page %1 would be %2x%3 pixels, more than the limit of %4")
+                        .arg(index + 1).arg(pixels.width()).arg(pixels.height()).arg(kMaxPixels));
+    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::white);
     QPainter painter(&image);
     if (!paintPage(painter, svg, QRectF(image.rect())))

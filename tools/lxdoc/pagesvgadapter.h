@@ -2,20 +2,23 @@
 #define LXDOC_TOOL_PAGESVGADAPTER_H
 
 #include <QByteArray>
-#include <QList>
+#include <QHash>
 #include <QSize>
 #include <QSizeF>
 #include <QString>
 
 class QXmlStreamAttributes;
-class QXmlStreamReader;
 class QXmlStreamWriter;
+struct SvgNode;
 
-// Turns a lesson page file into SVG that QtSvg draws as the board shows it:
-// the page's "grid" element becomes lines at its place in the stacking
-// order, "100%" frames are resolved against the enclosing object's "bound"
-// (or the page), pictures named relative to the lesson are embedded, and the
-// root gets the namespaces, size and viewBox QtSvg needs.
+// Turns a lesson page file into plain SVG that QtSvg and a browser both draw
+// as the board shows it. The board's own encodings become plain SVG: the
+// page's "grid" element becomes lines at its place in the stacking order,
+// "100%" frames are resolved against the enclosing object's "bound" (or the
+// page) and drawn behind their text, caps "found" and "flat" become round
+// and butt, line-end anchors become filled shapes, and pictures named inside
+// the lesson are embedded, placed by their preserveAspectRatio. What a page
+// must not do (see MarkupFilter) is left out.
 class PageSvgAdapter {
 public:
     PageSvgAdapter(const QString &lessonFolder, QSize pageSize);
@@ -24,19 +27,25 @@ public:
     QString error() const;
 
 private:
-    void writeElement(const QXmlStreamReader &reader, QXmlStreamWriter &writer, bool isRoot);
-    void writeRootAttributes(const QXmlStreamAttributes &attributes, QXmlStreamWriter &writer) const;
-    void writeAttributes(const QString &element, const QXmlStreamAttributes &attributes,
-                         QXmlStreamWriter &writer) const;
+    // Style an element hands down to its children, and the box "100%" means.
+    struct Inherited {
+        QSizeF box;
+        QHash<QString, QString> stroke;
+    };
+
+    void writeRoot(const SvgNode &root, QXmlStreamWriter &writer) const;
+    void writeChildren(const SvgNode &parent, QXmlStreamWriter &writer, const Inherited &inherited, bool isPage) const;
+    void writeNode(const SvgNode &node, QXmlStreamWriter &writer, const Inherited &inherited, bool isPage) const;
+    void writeElement(const SvgNode &element, QXmlStreamWriter &writer, const Inherited &inherited) const;
+    void writeAttributes(const SvgNode &element, QXmlStreamWriter &writer, const QSizeF &box) const;
+    void writeImage(const SvgNode &image, QXmlStreamWriter &writer, const QSizeF &box) const;
+    void writeMarkers(const SvgNode &element, QXmlStreamWriter &writer, const Inherited &style) const;
     void writeGrid(const QXmlStreamAttributes &attributes, QXmlStreamWriter &writer) const;
     void writeGridLines(QXmlStreamWriter &writer, bool vertical, double step) const;
-    QString resolvePercent(const QString &value, double reference) const;
-    QString embedImage(const QString &href) const;
-    QSizeF boxOf(const QXmlStreamAttributes &attributes) const;
+    Inherited inheritedBy(const SvgNode &element, const Inherited &parent) const;
 
     QString m_folder;
     QSize m_size;
-    QList<QSizeF> m_boxes;
     QString m_error;
 };
 
