@@ -1,12 +1,11 @@
 #include "lessonoutput.h"
 
-#include "filetree.h"
 #include "lessonsource.h"
 #include "lxdoc.h"
+#include "outputfile.h"
+#include "privatetemp.h"
 
-#include <QDir>
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 LessonOutput::LessonOutput(const QString &target, bool force)
     : m_target(target)
@@ -30,7 +29,7 @@ bool LessonOutput::isUsable(QString *reason) const
 
 bool LessonOutput::write(ILXDocument *document, QString *reason) const
 {
-    const QTemporaryDir temp(QDir::tempPath() + QStringLiteral("/lxdoc-XXXXXX"));
+    const PrivateTemp temp;
     if (!temp.isValid()) {
         *reason = QStringLiteral("cannot make a temporary folder");
         return false;
@@ -41,5 +40,12 @@ bool LessonOutput::write(ILXDocument *document, QString *reason) const
         *reason = QStringLiteral("packing failed (is ziplib.so beside lxdoc?)");
         return false;
     }
-    return isUsable(reason) && FileTree::publish(packed, m_target, reason);
+    if (!isUsable(reason))
+        return false;
+    // isUsable has already asked for --force before any existing file.
+    OutputFile output(m_target, OutputFile::Archive, true);
+    if (output.publish(packed))
+        return true;
+    *reason = output.error();
+    return false;
 }

@@ -4,9 +4,8 @@
 #include "lessonoutput.h"
 #include "lessonrepair.h"
 #include "lessonsource.h"
+#include "privatetemp.h"
 
-#include <QDir>
-#include <QTemporaryDir>
 
 LessonRescue::LessonRescue(const QString &folder, bool listUnlistedPages)
     : m_folder(folder)
@@ -16,7 +15,7 @@ LessonRescue::LessonRescue(const QString &folder, bool listUnlistedPages)
 
 bool LessonRescue::writeTo(const LessonOutput &output)
 {
-    const QTemporaryDir temp(QDir::tempPath() + QStringLiteral("/lxdoc-XXXXXX"));
+    const PrivateTemp temp;
     if (!temp.isValid())
         return fail(QStringLiteral("cannot make a temporary folder"));
     const QString copy = temp.filePath(QStringLiteral("lesson"));

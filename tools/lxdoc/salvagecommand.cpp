@@ -4,10 +4,9 @@
 #include "console.h"
 #include "lessonoutput.h"
 #include "lessonrescue.h"
+#include "privatetemp.h"
 #include "salvagereader.h"
 
-#include <QDir>
-#include <QTemporaryDir>
 
 namespace {
 
@@ -49,7 +48,7 @@ int SalvageCommand::run(const QStringList &arguments)
     QString reason;
     if (!output.isUsable(&reason))
         return Console::fail(failure.arg(broken, reason));
-    const QTemporaryDir temp(QDir::tempPath() + QStringLiteral("/lxdoc-XXXXXX"));
+    const PrivateTemp temp;
     if (!temp.isValid())
         return Console::fail(failure.arg(broken, QStringLiteral("cannot make a temporary folder")));
     SalvageReader reader(broken);
