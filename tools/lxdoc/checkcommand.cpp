@@ -20,12 +20,14 @@ int CheckCommand::run(const QStringList &arguments)
         return Console::fail(source.error());
     LessonChecker checker(source.folder());
     checker.run();
+    // Each finding is one line, whatever the names in it hold.
     for (const QString &problem : checker.problems())
-        Console::out(QStringLiteral("%1: %2").arg(path, problem));
+        Console::out(Console::printable(QStringLiteral("%1: %2").arg(path, problem)));
     for (const QString &note : checker.notes())
-        Console::out(QStringLiteral("%1: note: %2").arg(path, note));
+        Console::out(Console::printable(QStringLiteral("%1: note: %2").arg(path, note)));
     const int count = int(checker.problems().size());
-    Console::out(count == 0 ? QStringLiteral("%1: no problems found").arg(path)
-                            : QStringLiteral("%1: %2 problem(s) found").arg(path).arg(count));
+    const QString name = Console::printable(path);
+    Console::out(count == 0 ? QStringLiteral("%1: no problems found").arg(name)
+                            : QStringLiteral("%1: %2 problem(s) found").arg(name).arg(count));
     return count == 0 ? ExitOk : ExitFailure;
 }

@@ -4,7 +4,9 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QTemporaryFile>
 
+#include <climits>
 #include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
@@ -24,10 +26,21 @@ bool syncToDisk(const QString &path)
 
 const QDir::Filters kEntries = QDir::AllEntries | QDir::NoDotAndDotDot | QDir::NoSymLinks | QDir::Hidden;
 
+// Below a folder this deep the system can no longer reach a file by its
+// path, and the copy would quietly stop short of the whole lesson.
+bool isTooDeep(const QString &folder)
+{
+    return QFile::encodeName(folder).size() + NAME_MAX + 1 >= PATH_MAX;
+}
+
 bool copyEntry(const QFileInfo &entry, const QDir &source, const QDir &target, QString *error)
 {
     const QString relative = source.relativeFilePath(entry.filePath());
     const QString destination = target.filePath(relative);
+    if (entry.isDir() && (isTooDeep(entry.filePath()) || isTooDeep(destination))) {
+        *error = QStringLiteral("the path '%1' is too long for this system").arg(relative);
+        return false;
+    }
     if (entry.isDir()) {
         if (target.mkpath(relative))
             return true;
@@ -41,6 +54,21 @@ bool copyEntry(const QFileInfo &entry, const QDir &source, const QDir &target, Q
     *error = entry.isReadable() ? QStringLiteral("cannot write '%1'").arg(destination)
                                 : QStringLiteral("cannot read '%1'").arg(entry.filePath());
     return false;
+}
+
+// Reserved by creating it; QFile::copy will not write over a file, so the
+// reservation is removed just before the copy takes the name.
+QString uniquePartialName(const QString &target)
+{
+    const QFileInfo info(target);
+    QTemporaryFile reserve(info.absolutePath() + QStringLiteral("/.") + info.fileName() + QStringLiteral(".XXXXXX.part"));
+    if (!reserve.open())
+        return QString();
+    reserve.setAutoRemove(false);
+    const QString name = reserve.fileName();
+    reserve.close();
+    QFile::remove(name);
+    return name;
 }
 
 } // namespace
@@ -90,10 +118,12 @@ bool FileTree::isLessonFolder(const QString &folder)
 
 bool FileTree::publish(const QString &source, const QString &target, QString *error)
 {
-    const QString partial = target + QStringLiteral(".part");
-    QFile::remove(partial);
-    if (!QFile::copy(source, partial) || !syncToDisk(partial)) {
-        QFile::remove(partial);
+    // A name of its own for every run: two packs onto one target must not
+    // write into each other's partial file.
+    const QString partial = uniquePartialName(target);
+    if (partial.isEmpty() || !QFile::copy(source, partial) || !syncToDisk(partial)) {
+        if (!partial.isEmpty())
+            QFile::remove(partial);
         *error = QStringLiteral("cannot write '%1'").arg(target);
         return false;
     }

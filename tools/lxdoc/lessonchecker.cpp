@@ -3,6 +3,7 @@
 #include "console.h"
 #include "filetree.h"
 #include "manifestreader.h"
+#include "xml/xmllimits.h"
 
 #include <QDir>
 #include <QFile>
@@ -129,7 +130,17 @@ QString LessonChecker::xmlProblem(const QString &name, const QString &root) cons
         return name == kManifest ? QStringLiteral("missing, so this is not a lesson") : QStringLiteral("missing");
     if (!file.open(QIODevice::ReadOnly))
         return QStringLiteral("cannot be read (%1)").arg(file.errorString());
-    QXmlStreamReader reader(&file);
+    const QByteArray data = file.readAll();
+    // Measured first, as the library does before it builds a tree.
+    switch (XmlLimits::check(data)) {
+    case XmlLimits::TooDeep:
+        return QStringLiteral("nested deeper than %1 levels, so the library refuses it").arg(XmlLimits::MaxDepth);
+    case XmlLimits::TooManyAttributes:
+        return QStringLiteral("an element has more than %1 attributes, so the library refuses it").arg(XmlLimits::MaxAttributes);
+    default:
+        break;
+    }
+    QXmlStreamReader reader(data);
     reader.setNamespaceProcessing(false);
     const bool hasRoot = reader.readNextStartElement();
     const QString rootName = reader.name().toString();

@@ -4,6 +4,7 @@
 #include "console.h"
 #include "filetree.h"
 #include "lessonpages.h"
+#include "privatefolder.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -12,6 +13,10 @@ LessonSource::LessonSource(const QString &path)
     : m_path(path)
 {
 }
+
+// The document goes first: it deletes its working folder inside the
+// private folder, which then removes whatever is left.
+LessonSource::~LessonSource() = default;
 
 bool LessonSource::prepareReadOnly()
 {
@@ -77,9 +82,9 @@ bool LessonSource::checkPath()
 
 bool LessonSource::makeTemporaryFolder()
 {
-    m_temp = std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/lxdoc-XXXXXX"));
+    m_temp = std::make_unique<PrivateFolder>(QDir::tempPath() + QStringLiteral("/lxdoc-XXXXXX"));
     if (!m_temp->isValid())
-        return fail(QStringLiteral("cannot make a temporary folder: %1").arg(m_temp->errorString()));
+        return fail(QStringLiteral("cannot make a temporary folder"));
     m_folder = m_temp->filePath(QStringLiteral("lesson"));
     return QDir().mkpath(m_folder) || fail(QStringLiteral("cannot make a temporary folder"));
 }

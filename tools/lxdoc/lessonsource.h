@@ -4,12 +4,12 @@
 #include "handle.h"
 
 #include <QString>
-#include <QTemporaryDir>
 
 #include <functional>
 #include <memory>
 
 class LessonPages;
+class PrivateFolder;
 
 // A lesson named on the command line: an archive or an unpacked folder.
 // The library deletes the working folder of a document on release and opens
@@ -17,6 +17,7 @@ class LessonPages;
 class LessonSource {
 public:
     explicit LessonSource(const QString &path);
+    ~LessonSource();
 
     // A folder to read and never change: the user's folder itself, or the
     // archive unpacked into a private temporary folder.
@@ -44,7 +45,7 @@ private:
 
     QString m_path;
     bool m_isFolder = false;
-    std::unique_ptr<QTemporaryDir> m_temp;
+    std::unique_ptr<PrivateFolder> m_temp;
     QString m_folder;
     Handle<ILXDocument> m_document;
     QString m_error;

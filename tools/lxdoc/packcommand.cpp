@@ -3,11 +3,12 @@
 #include "archivesession.h"
 #include "commandline.h"
 #include "console.h"
+#include "document/savelock.h"
 #include "filetree.h"
+#include "privatefolder.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 int PackCommand::run(const QStringList &arguments)
 {
@@ -24,13 +25,17 @@ int PackCommand::run(const QStringList &arguments)
         return Console::fail(failure.arg(folder, QStringLiteral("no such folder")));
     if (!FileTree::isLessonFolder(folder))
         return Console::fail(failure.arg(folder, QStringLiteral("not a lesson folder (no manifest.xml)")));
-    const QTemporaryDir temp(QDir::tempPath() + QStringLiteral("/lxdoc-XXXXXX"));
+    const PrivateFolder temp(QDir::tempPath() + QStringLiteral("/lxdoc-XXXXXX"));
     if (!temp.isValid())
         return Console::fail(failure.arg(folder, QStringLiteral("cannot make a temporary folder")));
     const QString packed = temp.filePath(QStringLiteral("packed.lzn"));
     ArchiveSession plugin;
     if (!plugin.isLoaded() || !plugin.pack(QFileInfo(folder).absoluteFilePath(), packed))
         return Console::fail(failure.arg(folder, plugin.errorString()));
+    // A host saving the same archive waits for this pack, and it for the host.
+    SaveLock lock(archive);
+    if (!lock.acquire(SaveLock::WaitMs))
+        return Console::fail(failure.arg(folder, QStringLiteral("another save of '%1' is still running").arg(archive)));
     QString reason;
     if (!FileTree::publish(packed, archive, &reason))
         return Console::fail(failure.arg(folder, reason));
