@@ -43,7 +43,7 @@ public:
     }
 
 private:
-    char16_t at(qsizetype i) const { return i >= 0 && i < m_size ? char16_t(unit(m_text[i])) : 0; }
+    char16_t at(qsizetype i) const { return i >= 0 && i < m_size ? char16_t(unit(m_text.constData()[i])) : 0; }
     static ushort unit(char c) { return uchar(c); }
     static ushort unit(QChar c) { return c.unicode(); }
 
