@@ -33,6 +33,15 @@ int pageIdFromName(QString name)
     return name.remove(QStringLiteral("page")).remove(QStringLiteral(".svg")).toInt();
 }
 
+// The plug-in's reason, when it gives one, follows the fixed text.
+void warnPackingFailed(const QString &reason)
+{
+    if (reason.isEmpty())
+        qWarning("zip folder failed");
+    else
+        qWarning("zip folder failed: %s", qPrintable(reason));
+}
+
 } // namespace
 
 QLXDocument::QLXDocument() = default;
@@ -140,13 +149,8 @@ bool QLXDocument::saveFile(const QString &archive, bool pack)
     tool->beginArchive(archive, false);
     const bool packed = tool->packFolder(m_path, archive);
     tool->finishArchive();
-    if (!packed) {
-        const QString reason = tool->lastError();
-        if (reason.isEmpty())
-            qWarning("zip folder failed");
-        else
-            qWarning("zip folder failed: %s", qPrintable(reason));
-    }
+    if (!packed)
+        warnPackingFailed(tool->lastError());
     return packed;
 }
 
