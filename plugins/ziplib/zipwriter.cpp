@@ -172,5 +172,9 @@ bool ZipWriter::fail(const QString &what)
 bool ZipWriter::failArchive(const QString &what)
 {
     const char *detail = m_archive ? archive_error_string(m_archive.get()) : nullptr;
-    return fail(detail ? what + QLatin1String(": ") + QString::fromLocal8Bit(detail) : what);
+    const QString text = detail ? what + QLatin1String(": ") + QString::fromLocal8Bit(detail) : what;
+    // libarchive says only "Write error"; the system's reason (a full disk,
+    // a file size limit) is what the user can act on.
+    const int error = m_archive ? archive_errno(m_archive.get()) : 0;
+    return fail(error > 0 ? text + QLatin1String(" (") + qt_error_string(error) + QLatin1Char(')') : text);
 }

@@ -2,6 +2,7 @@
 
 #include "document/archiveplugin.h"
 #include "document/temproot.h"
+#include "document/savelock.h"
 #include "idrawpage.h"
 #include "manifest/qlxresmgr.h"
 #include "page/qlxfrontpage.h"
@@ -34,6 +35,15 @@ QString recordPageName(int id)
 int pageIdFromName(QString name)
 {
     return name.remove(QStringLiteral("page")).remove(QStringLiteral(".svg")).toInt();
+}
+
+// The plug-in's reason, when it gives one, follows the fixed text.
+void warnPackingFailed(const QString &reason)
+{
+    if (reason.isEmpty())
+        qWarning("zip folder failed");
+    else
+        qWarning("zip folder failed: %s", qPrintable(reason));
 }
 
 } // namespace
@@ -127,8 +137,9 @@ bool QLXDocument::openPage(int id)
     return true;
 }
 
-// A failed packing is reported by its message only and still counts as a
-// save: the manifest has been written and the working folder is intact.
+// True only when the archive on disk is now the one asked for: a host that
+// tells the teacher the lesson is saved must be right. A failed packing
+// leaves the previous archive whole, and the warning says why it failed.
 bool QLXDocument::saveFile(const QString &archive, bool pack)
 {
     m_manifest.saveFile();
@@ -138,12 +149,17 @@ bool QLXDocument::saveFile(const QString &archive, bool pack)
     ArchiveTool *const tool = plugin.tool();
     if (!tool)
         return false;
+    SaveLock lock(archive);
+    if (!lock.acquire(SaveLock::WaitMs)) {
+        qWarning("zip folder failed: another save of this archive is still running");
+        return false;
+    }
     tool->beginArchive(archive, false);
     const bool packed = tool->packFolder(m_path, archive);
     tool->finishArchive();
     if (!packed)
-        qWarning("zip folder failed");
-    return true;
+        warnPackingFailed(tool->lastError());
+    return packed;
 }
 
 bool QLXDocument::startSaveFile(const QString &archive)

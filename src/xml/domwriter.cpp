@@ -63,6 +63,17 @@ bool isTextLike(const QDomNode &node)
     return !node.isNull() && node.isText();
 }
 
+QString qualifiedName(const QDomElement &element)
+{
+    if (!element.namespaceURI().isNull() && !element.prefix().isEmpty())
+        return element.prefix() + u':' + element.localName();
+    return element.tagName();
+}
+
+// Indentation stops growing past this depth, so a deep tree's text stays
+// linear in its size; real lessons never come near it.
+const int kMaxIndentDepth = 32;
+
 } // namespace
 
 DomWriter::DomWriter(int indent)
@@ -103,12 +114,35 @@ void DomWriter::writeDocument(const QDomNode &document)
     }
 }
 
-void DomWriter::writeNode(const QDomNode &node, int depth)
+// Iterative on purpose: a tree a host built may be far deeper than any
+// file the library reads, and the writer must not run out of stack on it.
+void DomWriter::writeNode(const QDomNode &top, int depth)
+{
+    QDomNode node = top;
+    for (;;) {
+        if (openNode(node, depth)) {
+            if (node.isElement())
+                ++depth;
+            node = node.firstChild();
+            continue;
+        }
+        while (node != top && node.nextSibling().isNull()) {
+            node = node.parentNode();
+            if (node.isElement())
+                closeElement(node.toElement(), --depth);
+        }
+        if (node == top)
+            return;
+        node = node.nextSibling();
+    }
+}
+
+// Writes what comes before a node's children; true when they follow.
+bool DomWriter::openNode(const QDomNode &node, int depth)
 {
     switch (node.nodeType()) {
     case QDomNode::ElementNode:
-        writeElement(node.toElement(), depth);
-        break;
+        return openElement(node.toElement(), depth);
     case QDomNode::TextNode:
         writeEscaped(node.nodeValue(), !node.parentNode().isElement(), false);
         break;
@@ -156,18 +190,12 @@ void DomWriter::writeNode(const QDomNode &node, int depth)
         writeDocumentType(node.toDocumentType());
         break;
     default:
-        writeChildren(node, depth);
-        break;
+        return node.hasChildNodes();
     }
+    return false;
 }
 
-void DomWriter::writeChildren(const QDomNode &node, int depth)
-{
-    for (QDomNode n = node.firstChild(); !n.isNull(); n = n.nextSibling())
-        writeNode(n, depth);
-}
-
-void DomWriter::writeElement(const QDomElement &element, int depth)
+bool DomWriter::openElement(const QDomElement &element, int depth)
 {
     // An element whose name would not read back is left out with all it
     // holds: written, it would make the whole file unreadable.
@@ -177,12 +205,9 @@ void DomWriter::writeElement(const QDomElement &element, int depth)
     if (!isTextLike(element.previousSibling()))
         writeIndent(depth);
 
-    QString name = element.tagName();
     const QString namespaceUri = element.namespaceURI();
     m_out += u'<';
-    if (!namespaceUri.isNull() && !element.prefix().isEmpty())
-        name = element.prefix() + u':' + element.localName();
-    writeRaw(name);
+    writeRaw(qualifiedName(element));
     if (!namespaceUri.isNull()) {
         m_out += element.prefix().isEmpty() ? QLatin1String(" xmlns") : QLatin1String(" xmlns:");
         writeRaw(element.prefix());
@@ -190,7 +215,34 @@ void DomWriter::writeElement(const QDomElement &element, int depth)
         writeEscaped(namespaceUri, true, false);
         m_out += u'"';
     }
+    writeAttributes(element);
 
+    const QDomNode first = element.firstChild();
+    if (first.isNull()) {
+        m_out += QLatin1String("/>");
+        if (!isTextLike(element.nextSibling()))
+            writeNewline();
+        return false;
+    }
+    m_out += u'>';
+    if (!first.isText())
+        writeNewline();
+    return true;
+}
+
+void DomWriter::closeElement(const QDomElement &element, int depth)
+{
+    if (!element.lastChild().isText())
+        writeIndent(depth);
+    m_out += QLatin1String("</");
+    writeRaw(qualifiedName(element));
+    m_out += u'>';
+    if (!isTextLike(element.nextSibling()))
+        writeNewline();
+}
+
+void DomWriter::writeAttributes(const QDomElement &element)
+{
     const QDomNamedNodeMap map = element.attributes();
     if (map.count() > 0) {
         QStringList declaredPrefixes;
@@ -230,23 +282,6 @@ void DomWriter::writeElement(const QDomElement &element, int depth)
             }
         }
     }
-
-    const QDomNode first = element.firstChild();
-    if (first.isNull()) {
-        m_out += QLatin1String("/>");
-    } else {
-        m_out += u'>';
-        if (!first.isText())
-            writeNewline();
-        writeChildren(element, depth + 1);
-        if (!element.lastChild().isText())
-            writeIndent(depth);
-        m_out += QLatin1String("</");
-        writeRaw(name);
-        m_out += u'>';
-    }
-    if (!isTextLike(element.nextSibling()))
-        writeNewline();
 }
 
 void DomWriter::writeDocumentType(const QDomDocumentType &type)
@@ -366,7 +401,7 @@ void DomWriter::writeIndent(int depth)
 {
     if (m_indent <= 0)
         return;
-    const int width = depth * m_indent;
+    const int width = qMin(depth, kMaxIndentDepth) * m_indent;
     if (m_spaces.size() < width)
         m_spaces.fill(u' ', width);
     m_out.append(QStringView(m_spaces).left(width));

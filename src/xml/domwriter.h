@@ -21,9 +21,11 @@ private:
     explicit DomWriter(int indent);
 
     void writeDocument(const QDomNode &document);
-    void writeNode(const QDomNode &node, int depth);
-    void writeChildren(const QDomNode &node, int depth);
-    void writeElement(const QDomElement &element, int depth);
+    void writeNode(const QDomNode &top, int depth);
+    bool openNode(const QDomNode &node, int depth);
+    bool openElement(const QDomElement &element, int depth);
+    void closeElement(const QDomElement &element, int depth);
+    void writeAttributes(const QDomElement &element);
     void writeDocumentType(const QDomDocumentType &type);
     void writeDeclaration(const QString &data);
     void writeEntityValue(const QString &value);

@@ -1,6 +1,7 @@
 #include "xmlstream.h"
 
 #include "domwriter.h"
+#include "xmllimits.h"
 #include "numbertext.h"
 #include "xmlname.h"
 
@@ -136,7 +137,7 @@ bool QXmlStream::loadFromXmlFile(const QString &fileName)
         m_ready = false;
         return false;
     }
-    if (!m_document.setContent(&m_file, false)) {
+    if (!setContentWithin(m_file.readAll())) {
         qWarning("cann't load the xml file!");
         m_ready = false;
         return false;
@@ -147,13 +148,26 @@ bool QXmlStream::loadFromXmlFile(const QString &fileName)
 
 bool QXmlStream::loadFromXmlStream(const QString &text)
 {
-    if (!m_document.setContent(text, false)) {
+    if (!setContentWithin(text)) {
         qWarning("cann't load the xml Stream!");
         m_ready = false;
         return false;
     }
     m_ready = true;
     return true;
+}
+
+// A text beyond the limits is refused before QDom sees it, and the tree is
+// left empty as after any failed parse.
+template <typename Text>
+bool QXmlStream::setContentWithin(const Text &text)
+{
+    const XmlLimits::Verdict verdict = XmlLimits::check(text);
+    if (verdict == XmlLimits::Within)
+        return m_document.setContent(text, false);
+    qWarning("%s", XmlLimits::warning(verdict));
+    m_document = QDomDocument();
+    return false;
 }
 
 bool QXmlStream::reloadFile()

@@ -92,6 +92,9 @@ public:
     QString getNodeStringValue(const QDomNode &node);
 
 private:
+    template <typename Text>
+    bool setContentWithin(const Text &text);
+
     QFile m_file;
     QString m_fileName;
     bool m_ready = false;

@@ -3,6 +3,7 @@
 // killed half way), the previous archive stays complete, or the new one is.
 
 #include "document/qlxdocument.h"
+#include "document/savelock.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
@@ -19,6 +20,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <thread>
 
 #include <sys/mount.h>
 #include <unistd.h>
@@ -186,6 +188,8 @@ private slots:
     void initTestCase();
     void saveIntoUnwritable_data();
     void saveIntoUnwritable();
+    void concurrentSaves_data();
+    void concurrentSaves();
     void packOnFullDisk_data();
     void packOnFullDisk();
     void killedWhilePacking();
@@ -200,17 +204,21 @@ void TestSaveFaults::initTestCase()
 void TestSaveFaults::saveIntoUnwritable_data()
 {
     QTest::addColumn<QString>("fault");
-    QTest::newRow("read-only folder") << "read-only";
-    QTest::newRow("parent is a file") << "parent-file";
-    QTest::newRow("target is a folder") << "target-folder";
-    QTest::newRow("folder missing") << "missing";
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("read-only folder") << "read-only" << "cannot create a temporary file beside the archive";
+    QTest::newRow("parent is a file") << "parent-file" << "cannot create a temporary file beside the archive";
+    QTest::newRow("target is a folder") << "target-folder" << "the archive path is not a regular file";
+    QTest::newRow("folder missing") << "missing" << "cannot create a temporary file beside the archive";
+    QTest::newRow("empty name") << "empty" << "no archive file name given";
+    QTest::newRow("disk fills while writing") << "full" << "No space left on device";
 }
 
-// saveFile through the document: the packing fails, is reported, and the
-// archive saved before is untouched.
+// saveFile through the document: the packing fails, the host is told so
+// with the reason, and the archive saved before is untouched.
 void TestSaveFaults::saveIntoUnwritable()
 {
     QFETCH(QString, fault);
+    QFETCH(QString, reason);
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     const QString target = dir.path() + QStringLiteral("/shelf");
@@ -219,6 +227,21 @@ void TestSaveFaults::saveIntoUnwritable()
     QLXDocument *document = new QLXDocument;
     document->init(QString(), false);
     QVERIFY(document->newFile(QString(), true));
+    struct Unmount {
+        QString point;
+        ~Unmount()
+        {
+            if (!point.isEmpty())
+                ::umount2(QFile::encodeName(point).constData(), MNT_DETACH);
+        }
+    } unmount;
+    if (fault == QLatin1String("full")) {
+        if (::mount("tmpfs", QFile::encodeName(target).constData(), "tmpfs", 0, "size=1m") != 0) {
+            document->release(false);
+            QSKIP("mounting a small tmpfs needs privileges this run does not have");
+        }
+        unmount.point = target;
+    }
     QString archive = target + QStringLiteral("/lesson.lzn");
     QVERIFY(document->saveFile(archive, true));
     QVERIFY(unzipTests(archive));
@@ -244,12 +267,21 @@ void TestSaveFaults::saveIntoUnwritable()
         archive = target + QStringLiteral("/folder.lzn");
         QVERIFY(QDir().mkpath(archive + QStringLiteral("/keep")));
         writeFile(archive + QStringLiteral("/keep/notes.txt"), "kept");
+    } else if (fault == QLatin1String("empty")) {
+        archive.clear();
+    } else if (fault == QLatin1String("full")) {
+        // Media that do not compress, three times what the disk holds.
+        QRandomGenerator random(7);
+        QByteArray data(3 << 20, Qt::Uninitialized);
+        random.fillRange(reinterpret_cast<quint32 *>(data.data()), data.size() / 4);
+        writeFile(document->getDocPath() + QStringLiteral("/images/photo.bin"), data);
     } else {
         archive = dir.path() + QStringLiteral("/nowhere/lesson.lzn");
     }
 
-    QTest::ignoreMessage(QtWarningMsg, "zip folder failed");
-    QVERIFY2(document->saveFile(archive, true), "a failed packing still reports true");
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^zip folder failed: .*")
+                                                          + QRegularExpression::escape(reason)));
+    QVERIFY2(!document->saveFile(archive, true), "a failed packing is no save");
     immutable.reset();
     QFile::setPermissions(target, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
 
@@ -265,6 +297,48 @@ void TestSaveFaults::saveIntoUnwritable()
     expected.sort();
     QCOMPARE(QDir(target).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), expected);
     QVERIFY(!QFileInfo::exists(dir.path() + QStringLiteral("/nowhere")));
+    document->release(false);
+}
+
+void TestSaveFaults::concurrentSaves_data()
+{
+    QTest::addColumn<int>("holdMs");
+    QTest::addColumn<bool>("saved");
+    QTest::newRow("the other save ends in time") << 500 << true;
+    QTest::newRow("the other save never ends") << -1 << false;
+}
+
+// Another save of the same archive holds the lock: this one waits for it,
+// or gives up after a bounded time and says why.
+void TestSaveFaults::concurrentSaves()
+{
+    QFETCH(int, holdMs);
+    QFETCH(bool, saved);
+    QTemporaryDir dir;
+    const QString archive = dir.path() + QStringLiteral("/lesson.lzn");
+    QLXDocument *document = new QLXDocument;
+    document->init(QString(), false);
+    QVERIFY(document->newFile(QString(), true));
+
+    std::unique_ptr<SaveLock> other(new SaveLock(archive));
+    QVERIFY(other->acquire(0));
+    std::thread release;
+    if (holdMs >= 0)
+        release = std::thread([&other, holdMs] { QThread::msleep(holdMs); other.reset(); });
+    else
+        QTest::ignoreMessage(QtWarningMsg, "zip folder failed: another save of this archive is still running");
+    QElapsedTimer timer;
+    timer.start();
+    const bool result = document->saveFile(archive, true);
+    const qint64 waited = timer.elapsed();
+    if (release.joinable())
+        release.join();
+    other.reset();
+    QCOMPARE(result, saved);
+    QCOMPARE(QFileInfo::exists(archive), saved);
+    QVERIFY2(waited >= qMin(holdMs < 0 ? 5000 : holdMs, 5000) && waited < 30000, qPrintable(QString::number(waited)));
+    QCOMPARE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             saved ? QStringList{QStringLiteral("lesson.lzn")} : QStringList());
     document->release(false);
 }
 

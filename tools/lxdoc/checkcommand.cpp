@@ -44,13 +44,15 @@ int CheckCommand::check(const QString &path, const QString &folder)
     LessonChecker checker(folder);
     checker.run();
     Console::endProgress();
+    // Each finding is one line, whatever the names in it hold.
     for (const QString &problem : checker.problems())
-        Console::out(QStringLiteral("%1: %2").arg(path, problem));
+        Console::out(Console::printable(QStringLiteral("%1: %2").arg(path, problem)));
     for (const QString &note : checker.notes())
-        Console::note(QStringLiteral("%1: note: %2").arg(path, note));
+        Console::note(Console::printable(QStringLiteral("%1: note: %2").arg(path, note)));
     const int count = int(checker.problems().size());
-    Console::out(count == 0 ? QStringLiteral("%1: no problems found").arg(path)
-                            : QStringLiteral("%1: %2 problem(s) found").arg(path).arg(count));
+    const QString name = Console::printable(path);
+    Console::out(count == 0 ? QStringLiteral("%1: no problems found").arg(name)
+                            : QStringLiteral("%1: %2 problem(s) found").arg(name).arg(count));
     return count == 0 ? ExitOk : ExitFailure;
 }
 
@@ -72,9 +74,9 @@ int CheckCommand::fix(const QString &path, bool backup)
     if (!repair.run())
         return Console::fail(failure.arg(path, repair.errorString()));
     for (const QString &line : repair.repairs())
-        Console::out(QStringLiteral("%1: fixed: %2").arg(path, line));
+        Console::out(Console::printable(QStringLiteral("%1: fixed: %2").arg(path, line)));
     for (const QString &line : repair.losses())
-        Console::out(QStringLiteral("%1: lost: %2").arg(path, line));
+        Console::out(Console::printable(QStringLiteral("%1: lost: %2").arg(path, line)));
     const int checked = check(path, path);
     return checked == ExitOk && !repair.losses().isEmpty() ? int(ExitPartial) : checked;
 }

@@ -1,6 +1,8 @@
 #include "console.h"
 
 #include <QFileDevice>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QTextStream>
 #include <QtGlobal>
 
@@ -38,6 +40,31 @@ void filterMessage(QtMsgType type, const QMessageLogContext &, const QString &me
         stream(stderr) << "lxdoc: (qt) " << message.trimmed() << Qt::endl;
 }
 
+bool isControl(char16_t c)
+{
+    return c < 0x20 || (c >= 0x7f && c < 0xa0);
+}
+
+QString escapedControl(char16_t c)
+{
+    switch (c) {
+    case u'\n': return QStringLiteral("\\n");
+    case u'\r': return QStringLiteral("\\r");
+    case u'\t': return QStringLiteral("\\t");
+    default: return QStringLiteral("\\x%1").arg(int(c), 2, 16, QLatin1Char('0'));
+    }
+}
+
+// An error is one line a person reads: a name of thousands of characters
+// (a lesson can hold one) keeps its start and its end.
+QString shortened(const QString &line)
+{
+    const int keep = 160;
+    if (line.size() <= 2 * keep + 3)
+        return line;
+    return line.left(keep) + QLatin1String("...") + line.right(keep);
+}
+
 bool stderrIsTerminal()
 {
     return isatty(fileno(stderr)) != 0;
@@ -59,9 +86,44 @@ void Console::setLevel(Level level)
     g_level = level;
 }
 
-void Console::out(const QString &line)
+QString Console::printable(const QString &text)
 {
-    stream(stdout) << line << '\n';
+    QString result;
+    result.reserve(text.size());
+    for (const QChar c : text) {
+        if (isControl(c.unicode()))
+            result += escapedControl(c.unicode());
+        else
+            result += c;
+    }
+    return result;
+}
+
+QJsonValue Console::printable(const QJsonValue &value)
+{
+    if (value.isString())
+        return printable(value.toString());
+    if (value.isArray()) {
+        QJsonArray result;
+        for (const QJsonValue &item : value.toArray())
+            result.append(printable(item));
+        return result;
+    }
+    if (value.isObject()) {
+        QJsonObject result;
+        const QJsonObject object = value.toObject();
+        for (auto it = object.begin(); it != object.end(); ++it)
+            result.insert(printable(it.key()), printable(it.value()));
+        return result;
+    }
+    return value;
+}
+
+void Console::out(const QString &lines)
+{
+    const QStringList parts = lines.split(QLatin1Char('\n'));
+    for (const QString &line : parts)
+        stream(stdout) << printable(line) << '\n';
     stream(stdout).flush();
 }
 
@@ -74,7 +136,7 @@ void Console::note(const QString &line)
 int Console::fail(const QString &message, int status)
 {
     endProgress();
-    stream(stderr) << "lxdoc: " << message << Qt::endl;
+    stream(stderr) << "lxdoc: " << shortened(printable(message)) << Qt::endl;
     return status;
 }
 

@@ -1,6 +1,7 @@
 #ifndef LXDOC_TOOL_CONSOLE_H
 #define LXDOC_TOOL_CONSOLE_H
 
+#include <QJsonValue>
 #include <QString>
 
 enum ExitStatus {
@@ -21,9 +22,16 @@ public:
     // they are shown only at the verbose level.
     static void installMessageFilter();
     static void setLevel(Level level);
-    static void out(const QString &line);
     // A result line that --quiet leaves out ("rendered 3 page(s) ...").
     static void note(const QString &line);
+    // Names read from a lesson may hold terminal controls or line breaks:
+    // every one is shown as an escape ("\x1b", "\n") before it is printed.
+    static QString printable(const QString &text);
+    // The same for every key and string of a JSON tree.
+    static QJsonValue printable(const QJsonValue &value);
+    // Lines of text; controls other than the line breaks between them are
+    // escaped here too, so a name that slipped through stays harmless.
+    static void out(const QString &lines);
     static int fail(const QString &message, int status = ExitFailure);
     // A usage error: the message, then the short usage of the command.
     static int usage(const QString &message, const QString &usageLine);

@@ -26,10 +26,11 @@ int DumpCommand::run(const QStringList &arguments)
     return LessonSource::withPages(line.argument(0), [&](const LessonPages &pages) {
         LessonDumper dumper(pages);
         dumper.setRecords(line.isSet(QStringLiteral("records")));
-        QJsonArray result;
+        QJsonArray read;
         QString error;
-        if (!dumper.dump(page, &result, &error))
+        if (!dumper.dump(page, &read, &error))
             return Console::fail(QStringLiteral("cannot dump '%1': %2").arg(line.argument(0), error));
+        const QJsonArray result = Console::printable(read).toArray();
         if (line.isSet(QStringLiteral("json")))
             Console::out(QString::fromUtf8(QJsonDocument(result).toJson(QJsonDocument::Indented)).trimmed());
         else

@@ -8,10 +8,18 @@
 #include <QFileInfo>
 
 #include <cerrno>
+#include <climits>
 
 namespace {
 
 const QDir::Filters kEntries = QDir::AllEntries | QDir::NoDotAndDotDot | QDir::NoSymLinks | QDir::Hidden;
+
+// Below a folder this deep the system can no longer reach a file by its
+// path, and the copy would quietly stop short of the whole lesson.
+bool isTooDeep(const QString &folder)
+{
+    return QFile::encodeName(folder).size() + NAME_MAX + 1 >= PATH_MAX;
+}
 
 bool makeFolder(const QDir &parent, const QString &name, QString *error)
 {
@@ -26,6 +34,10 @@ bool copyEntry(const QFileInfo &entry, const QDir &source, const QDir &target, Q
 {
     const QString relative = source.relativeFilePath(entry.filePath());
     const QString destination = target.filePath(relative);
+    if (entry.isDir() && (isTooDeep(entry.filePath()) || isTooDeep(destination))) {
+        *error = QStringLiteral("the path '%1' is too long for this system").arg(relative);
+        return false;
+    }
     if (entry.isDir())
         return makeFolder(target, relative, error);
     if (QFile::exists(destination))

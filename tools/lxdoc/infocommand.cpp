@@ -17,7 +17,7 @@ int InfoCommand::run(const QStringList &arguments)
     const QString path = line.argument(0);
     return LessonSource::withPages(path, [&](const LessonPages &pages) {
         for (const QString &text : LessonInfo(pages, path).lines())
-            Console::out(text);
+            Console::out(Console::printable(text));
         return int(ExitOk);
     });
 }

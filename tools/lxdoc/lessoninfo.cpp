@@ -40,8 +40,12 @@ QString LessonInfo::pageLine(int index) const
     QSize size;
     page->getPageSize(size);
     const Handle<ILXRecordPage> record = m_pages.record(id);
-    const QString recorded = record ? plural(LessonPages::countCommands(record.get()), "command")
-                                    : QStringLiteral("no recording");
+    QString recordClass;
+    // A recording the library refused has no root, so no class either: it
+    // is not an empty one.
+    const QString recorded = !record ? QStringLiteral("no recording")
+        : record->getClass(recordClass) ? plural(LessonPages::countCommands(record.get()), "command")
+                                        : QStringLiteral("recording cannot be read");
     const QString dimensions = QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
     return QStringLiteral("  page %1  id %2  %3  %4  %5  %6")
         .arg(index + 1).arg(id).arg(QStringLiteral("\"%1\"").arg(title), -20).arg(dimensions, -9)

@@ -17,6 +17,8 @@ LessonSource::LessonSource(const QString &path)
 {
 }
 
+// The document goes first: it deletes its working folder inside the
+// private folder, which then removes whatever is left.
 LessonSource::~LessonSource() = default;
 
 bool LessonSource::prepareReadOnly()

@@ -3,6 +3,7 @@
 #include "archivesession.h"
 #include "commandline.h"
 #include "console.h"
+#include "document/savelock.h"
 #include "filetree.h"
 #include "outputfile.h"
 #include "privatetemp.h"
@@ -24,7 +25,8 @@ int PackCommand::run(const QStringList &arguments)
         return Console::fail(failure.arg(folder, QStringLiteral("no such folder")));
     if (!FileTree::isLessonFolder(folder))
         return Console::fail(failure.arg(folder, QStringLiteral("not a lesson folder (no manifest.xml)")));
-    OutputFile output(line.argument(1), OutputFile::Archive, line.isSet(QStringLiteral("force")));
+    const QString archive = line.argument(1);
+    OutputFile output(archive, OutputFile::Archive, line.isSet(QStringLiteral("force")));
     if (!output.check())
         return Console::fail(output.error());
     const PrivateTemp temp;
@@ -36,6 +38,10 @@ int PackCommand::run(const QStringList &arguments)
     if (!plugin.isLoaded() || !plugin.pack(QFileInfo(folder).absoluteFilePath(), packed))
         return Console::fail(failure.arg(folder, plugin.errorString()));
     Console::progress(2, 2, QStringLiteral("writing"));
+    // A host saving the same archive waits for this pack, and it for the host.
+    SaveLock lock(archive);
+    if (!output.isStandardOutput() && !lock.acquire(SaveLock::WaitMs))
+        return Console::fail(failure.arg(folder, QStringLiteral("another save of '%1' is still running").arg(archive)));
     if (!output.publish(packed))
         return Console::fail(output.error());
     Console::endProgress();

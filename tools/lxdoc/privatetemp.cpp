@@ -1,6 +1,7 @@
 #include "privatetemp.h"
 
 #include "console.h"
+#include "privatefolder.h"
 
 #include <QDir>
 #include <QFile>
@@ -46,16 +47,14 @@ void removeBelow(int parent, const char *name)
     ::unlinkat(parent, name, 0);
 }
 
-void removeTree(const char *path)
-{
-    removeBelow(AT_FDCWD, path);
-}
-
+// A signal handler may not allocate, so it removes with the plain
+// recursive walk; a tree deeper than the descriptor limit may stay, and a
+// later run removes it as a leftover.
 void onSignal(int number)
 {
     for (int slot = 0; slot < kSlots; ++slot) {
         if (g_used[slot].load())
-            removeTree(g_paths[slot]);
+            removeBelow(AT_FDCWD, g_paths[slot]);
     }
     // The shell's convention: 128 plus the signal number.
     ::_exit(128 + number);
@@ -99,7 +98,8 @@ PrivateTemp::~PrivateTemp()
         return;
     if (m_slot >= 0)
         g_used[m_slot].store(false);
-    removeTree(QFile::encodeName(m_path).constData());
+    // Also trees deeper than a path can reach, which a lesson may hold.
+    PrivateFolder::removeTree(QFile::encodeName(m_path));
 }
 
 bool PrivateTemp::isValid() const
@@ -153,6 +153,6 @@ void PrivateTemp::removeLeftovers()
         const QRegularExpressionMatch match = name.match(entry);
         const QByteArray path = QFile::encodeName(temp.filePath(entry));
         if (match.hasMatch() && isLeftover(path, match.captured(1).toLongLong(), true))
-            removeTree(path.constData());
+            PrivateFolder::removeTree(path);
     }
 }

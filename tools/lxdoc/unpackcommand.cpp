@@ -4,7 +4,9 @@
 #include "console.h"
 #include "filetree.h"
 #include "lessonsource.h"
+#include "privatefolder.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 int UnpackCommand::run(const QStringList &arguments)
@@ -25,10 +27,21 @@ int UnpackCommand::run(const QStringList &arguments)
     Console::progress(1, 2, QStringLiteral("unpacking"));
     if (!source.prepareReadOnly())
         return Console::fail(source.error());
+    // Built beside the target and moved into place whole, so a failure never
+    // leaves part of a lesson in the user's folder.
+    const QFileInfo target(folder);
+    const QString failure = QStringLiteral("cannot unpack into '%1': %2");
+    if (!QDir().mkpath(target.absolutePath()))
+        return Console::fail(failure.arg(folder, QStringLiteral("cannot make its parent folder")));
+    PrivateFolder staging(target.absolutePath() + QStringLiteral("/.") + target.fileName() + QStringLiteral(".XXXXXX"));
+    if (!staging.isValid())
+        return Console::fail(failure.arg(folder, QStringLiteral("cannot make a folder beside it")));
     Console::progress(2, 2, QStringLiteral("copying"));
     QString reason;
-    if (!FileTree::copy(source.folder(), folder, &reason))
-        return Console::fail(QStringLiteral("cannot unpack into '%1': %2").arg(folder, reason));
+    if (!FileTree::copy(source.folder(), staging.path(), &reason))
+        return Console::fail(failure.arg(folder, reason));
+    if (!staging.moveTo(target.absoluteFilePath()))
+        return Console::fail(failure.arg(folder, QStringLiteral("cannot move the unpacked lesson into place")));
     Console::endProgress();
     return ExitOk;
 }

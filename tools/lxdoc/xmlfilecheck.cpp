@@ -1,6 +1,7 @@
 #include "xmlfilecheck.h"
 
 #include "document/lessonpath.h"
+#include "xml/xmllimits.h"
 
 #include <QFile>
 #include <QXmlStreamReader>
@@ -13,7 +14,17 @@ QString XmlFileCheck::problem(const QString &folder, const QString &name, const 
     QFile file;
     if (!LessonPath::open(&file, folder, name))
         return QStringLiteral("cannot be read (%1)").arg(file.errorString());
-    QXmlStreamReader reader(&file);
+    const QByteArray data = file.readAll();
+    // Measured first, as the library does before it builds a tree.
+    switch (XmlLimits::check(data)) {
+    case XmlLimits::TooDeep:
+        return QStringLiteral("nested deeper than %1 levels, so the library refuses it").arg(XmlLimits::MaxDepth);
+    case XmlLimits::TooManyAttributes:
+        return QStringLiteral("an element has more than %1 attributes, so the library refuses it").arg(XmlLimits::MaxAttributes);
+    default:
+        break;
+    }
+    QXmlStreamReader reader(data);
     reader.setNamespaceProcessing(false);
     const bool hasRoot = reader.readNextStartElement();
     const QString rootName = reader.name().toString();

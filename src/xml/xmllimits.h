@@ -1,0 +1,27 @@
+#ifndef LXDOC_XMLLIMITS_H
+#define LXDOC_XMLLIMITS_H
+
+#include <QByteArray>
+#include <QString>
+
+// How far an XML file may go before the library refuses to build a tree of
+// it. QDom builds the whole tree before anyone can look at it, frees it by
+// recursion and checks repeated attributes in quadratic time, so the text is
+// measured first, in linear time, and anything beyond these limits never
+// reaches it. A lesson nests a handful of levels and its elements carry a
+// few dozen attributes at most.
+class XmlLimits {
+public:
+    static const int MaxDepth = 256;
+    static const int MaxAttributes = 256;
+
+    enum Verdict { Within, TooDeep, TooManyAttributes };
+
+    // Bytes as read from a file (any encoding QDom accepts), or text.
+    static Verdict check(const QByteArray &data);
+    static Verdict check(const QString &text);
+    // The fixed warning for a verdict other than Within.
+    static const char *warning(Verdict verdict);
+};
+
+#endif

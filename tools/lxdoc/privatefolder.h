@@ -1,0 +1,31 @@
+#ifndef LXDOC_TOOL_PRIVATEFOLDER_H
+#define LXDOC_TOOL_PRIVATEFOLDER_H
+
+#include <QByteArray>
+#include <QString>
+
+// A folder only this run uses, removed with everything in it when the
+// object goes, on every way out of a command. Removal works through folder
+// descriptors one level at a time, so a tree whose paths are longer than
+// the system allows (a lesson can hold one) goes too.
+class PrivateFolder {
+public:
+    // pattern ends in "XXXXXX", which becomes a unique part of the name.
+    explicit PrivateFolder(const QString &pattern);
+    ~PrivateFolder();
+    PrivateFolder(const PrivateFolder &) = delete;
+    PrivateFolder &operator=(const PrivateFolder &) = delete;
+
+    bool isValid() const;
+    QString path() const;
+    QString filePath(const QString &name) const;
+    // Renames the folder to target (a missing or empty folder) and lets it go.
+    bool moveTo(const QString &target);
+
+    static void removeTree(const QByteArray &path);
+
+private:
+    QByteArray m_path;
+};
+
+#endif
