@@ -4,10 +4,14 @@
 #include "filetree.h"
 #include "manifestreader.h"
 
+#include "document/lessonpath.h"
+
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QXmlStreamReader>
+
+#include <cerrno>
+#include <cstring>
 
 namespace {
 
@@ -57,7 +61,7 @@ void LessonChecker::checkPageFiles(const ManifestReader &manifest, const QString
     for (int i = 0; i < entries.size(); ++i) {
         Console::progress(i + 1, int(entries.size()), QStringLiteral("checking %1").arg(list));
         const QString &entry = entries.at(i);
-        const QString problem = isInside(entry) ? xmlProblem(entry, root) : QStringLiteral("points outside the lesson");
+        const QString problem = xmlProblem(entry, root);
         if (!problem.isEmpty())
             m_problems << QStringLiteral("%1: %2 (listed in '%3')").arg(entry, problem, list);
     }
@@ -70,11 +74,12 @@ void LessonChecker::checkResources(const ManifestReader &manifest)
         const QStringList entries = manifest.list(kind);
         checkDuplicates(entries, kind);
         for (const QString &entry : entries) {
-            listed.insert(QDir::cleanPath(entry));
-            if (!isInside(entry))
-                m_problems << QStringLiteral("%1: points outside the lesson (listed in '%2')").arg(entry, kind);
-            else if (!QFileInfo(QDir(m_folder).filePath(entry)).isFile())
+            listed.insert(LessonPath::clean(entry));
+            const LessonPath::Verdict verdict = LessonPath::inspect(m_folder, entry);
+            if (verdict == LessonPath::Missing)
                 m_problems << QStringLiteral("%1: listed in '%2' but missing").arg(entry, kind);
+            else if (verdict != LessonPath::Regular)
+                m_problems << QStringLiteral("%1: %2 (listed in '%3')").arg(entry, LessonPath::verdictText(verdict), kind);
         }
     }
     checkUnlistedResources(listed);
@@ -116,19 +121,16 @@ void LessonChecker::checkDuplicates(const QStringList &entries, const QString &l
     }
 }
 
-bool LessonChecker::isInside(const QString &entry) const
-{
-    const QString clean = QDir::cleanPath(entry);
-    return !QDir::isAbsolutePath(clean) && clean != QLatin1String("..") && !clean.startsWith(QLatin1String("../"));
-}
-
 QString LessonChecker::xmlProblem(const QString &name, const QString &root) const
 {
-    QFile file(QDir(m_folder).filePath(name));
-    if (!file.exists())
-        return name == kManifest ? QStringLiteral("missing, so this is not a lesson") : QStringLiteral("missing");
-    if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("cannot be read (%1)").arg(file.errorString());
+    const LessonPath::Verdict verdict = LessonPath::inspect(m_folder, name);
+    if (verdict == LessonPath::Missing && name == kManifest)
+        return QStringLiteral("missing, so this is not a lesson");
+    if (verdict != LessonPath::Regular)
+        return LessonPath::verdictText(verdict);
+    QFile file;
+    if (!LessonPath::open(&file, m_folder, name))
+        return QStringLiteral("cannot be read (%1)").arg(QString::fromLocal8Bit(std::strerror(errno)));
     QXmlStreamReader reader(&file);
     reader.setNamespaceProcessing(false);
     const bool hasRoot = reader.readNextStartElement();
