@@ -220,6 +220,10 @@ bool CentralDirectory::readRecords(int fd, const LXArchiveLimits &limits)
     // Counted before anything is read, so a huge count costs nothing.
     if (m_count > quint64(limits.maxEntries))
         return fail(QStringLiteral("the archive holds more than %1 entries (limit of entries)").arg(limits.maxEntries));
+    // Each record is at most three 16-bit lengths beyond its fixed part.
+    const quint64 largest = m_count * quint64(RecordSize + 3 * 0xffff);
+    if (m_directorySize > largest || m_directorySize > quint64(INT_MAX))
+        return fail(QStringLiteral("the archive's directory is larger than its entries need"));
     QByteArray directory;
     if (!readAt(fd, m_directoryOffset, qint64(m_directorySize), &directory))
         return fail(QStringLiteral("cannot read the archive's directory"));

@@ -60,8 +60,7 @@ bool ZipExtractor::run(int rootFd)
 {
     UniqueFd file;
     ArchiveReader reader;
-    qint64 size = 0;
-    if (!openArchive(&file, &reader, &size)) {
+    if (!openArchive(&file, &reader)) {
         m_archive = nullptr;
         return false;
     }
@@ -97,7 +96,7 @@ bool ZipExtractor::run(int rootFd)
     return ok;
 }
 
-bool ZipExtractor::openArchive(UniqueFd *file, ArchiveReader *reader, qint64 *size)
+bool ZipExtractor::openArchive(UniqueFd *file, ArchiveReader *reader)
 {
     *file = UniqueFd(::open(m_archivePath.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat info;
@@ -105,7 +104,6 @@ bool ZipExtractor::openArchive(UniqueFd *file, ArchiveReader *reader, qint64 *si
         return fail(FsUtil::errnoText(QStringLiteral("cannot open the archive"), errno));
     if (!S_ISREG(info.st_mode))
         return fail(QStringLiteral("the archive is not a regular file"));
-    *size = info.st_size;
     if (!m_directory.read(file->get(), info.st_size, m_limits))
         return fail(m_directory.errorString());
     m_stored = 0;

@@ -36,7 +36,7 @@ private:
     };
 
     bool run(int rootFd);
-    bool openArchive(UniqueFd *file, ArchiveReader *reader, qint64 *size);
+    bool openArchive(UniqueFd *file, ArchiveReader *reader);
     bool admitEntry(archive_entry *entry, size_t index, EntryGuard &guard, QByteArray *path);
     bool extractEntry(archive_entry *entry, const QByteArray &path, int rootFd, EntryGuard &guard);
     bool makeFolder(archive_entry *entry, const QByteArray &path, int rootFd);
