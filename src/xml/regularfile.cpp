@@ -36,10 +36,18 @@ bool RegularFile::open(QFile *file, const QString &path, bool writable)
     const int fd = openAt(AT_FDCWD, QFile::encodeName(path), writable);
     if (fd < 0)
         return false;
-    const QIODevice::OpenMode mode = writable ? QIODevice::ReadWrite : QIODevice::ReadOnly;
-    if (!file->open(fd, mode, QFileDevice::AutoCloseHandle)) {
-        ::close(fd);
-        return false;
-    }
-    return true;
+    struct stat checked {};
+    const bool known = ::fstat(fd, &checked) == 0;
+    // Opened again by name, so that the file keeps it for later saves; the
+    // same file must come back, or the name was swapped in between.
+    file->setFileName(path);
+    const bool opened = known && file->open(writable ? QIODevice::ReadWrite : QIODevice::ReadOnly);
+    ::close(fd);
+    struct stat reached {};
+    if (opened && ::fstat(file->handle(), &reached) == 0 && reached.st_dev == checked.st_dev
+        && reached.st_ino == checked.st_ino)
+        return true;
+    file->close();
+    errno = ELOOP;
+    return false;
 }

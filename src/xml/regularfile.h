@@ -15,8 +15,7 @@ public:
     // back in blocking mode, or -1 with errno set (EISDIR for a folder,
     // EINVAL for anything else that is not a regular file, ELOOP for a link).
     static int openAt(int dirFd, const QByteArray &name, bool writable);
-    // As openAt on a full path, handed to file (which then owns the
-    // descriptor and keeps the name it had).
+    // As openAt on a full path, then file opened on it under that name.
     static bool open(QFile *file, const QString &path, bool writable);
 };
 
