@@ -224,10 +224,10 @@ ILXFrontPage *QLXDocument::getPageByIndex(int index, int &id)
     const QString name = index < pages.size() ? pages.at(index) : QString();
     // The name comes from the lesson: one that leads outside the working
     // folder, through a link or to anything but a regular file is missing.
-    if (LessonPath::inspect(m_path, name) != LessonPath::Regular)
+    if (!name.isEmpty() && LessonPath::inspect(m_path, name) != LessonPath::Regular)
         return nullptr;
     QLXFrontPage *const page = new QLXFrontPage;
-    if (!page->loadPageFile(LessonPath::inside(m_path, name))) {
+    if (!page->loadPageFile(m_path + QLatin1Char('/') + LessonPath::clean(name))) {
         delete page;
         return nullptr;
     }
