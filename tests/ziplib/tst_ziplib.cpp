@@ -491,7 +491,7 @@ private slots:
         QFETCH(QString, leftover);
         QFETCH(bool, ownerAlive);
         QProcess gone;
-        gone.start("true", {});
+        gone.start("true", QStringList());
         QVERIFY(gone.waitForStarted());
         const qint64 pid = ownerAlive ? qint64(::getpid()) : gone.processId();
         QVERIFY(gone.waitForFinished() && pid > 0);
