@@ -230,7 +230,8 @@ bool CentralDirectory::readRecords(int fd, const LXArchiveLimits &limits)
     int at = 0;
     while (at + 4 <= directory.size() && u32(directory, at) == RecordSignature) {
         if (m_records.size() >= m_count)
-            return fail(QStringLiteral("the archive's directory holds more entries than it declares (%1)").arg(m_count));
+            return fail(QStringLiteral("the archive's directory holds more entries than it declares (%1)")
+                            .arg(m_count));
         Record record;
         if (!parseRecord(directory, &at, &record) || !locateData(fd, &record))
             return false;

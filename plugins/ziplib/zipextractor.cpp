@@ -132,7 +132,8 @@ bool ZipExtractor::admitEntry(archive_entry *entry, size_t index, EntryGuard &gu
     if (!guard.admit(entry, record.name, path))
         return fail(guard.errorString());
     if (archive_entry_size_is_set(entry) && quint64(archive_entry_size(entry)) != record.size)
-        return fail(QStringLiteral("the archive's entries do not match its directory at ") + FsUtil::nameText(record.name));
+        return fail(QStringLiteral("the archive's entries do not match its directory at ")
+                    + FsUtil::nameText(record.name));
     m_entryStored = record.compressed;
     return true;
 }
