@@ -10,6 +10,7 @@
 #include "ilxrecordpage.h"
 #include "ilxresmgr.h"
 #include "linecapstyle.h"
+#include "lxarchivelimits.h"
 #include "lxdoc_export.h"
 #include "pageformat.h"
 #include "tagpagegrid.h"

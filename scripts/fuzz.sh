@@ -26,7 +26,7 @@ declare -A options=(
     [xmlstream]="-dict=fuzz/xml.dict -max_len=8192"
     [loaders]="-dict=fuzz/xml.dict -max_len=8192"
     [textparsers]="-max_len=1024"
-    [unpack]="-max_len=32768"
+    [unpack]="-dict=fuzz/zip.dict -max_len=32768"
 )
 status=0
 summary=()

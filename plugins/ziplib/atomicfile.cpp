@@ -58,10 +58,17 @@ bool AtomicFile::createTemporary()
     const int slash = m_target.lastIndexOf('/');
     const QByteArray folder = m_target.left(slash + 1);
     const QByteArray base = m_target.mid(slash + 1);
+    // The owner's pid in the name lets a later save tell a temporary of a
+    // killed save from one still being written.
+    const QByteArray prefix = '.' + base + '.';
+    const UniqueFd folderFd(::open(folder.isEmpty() ? "." : folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folderFd.isValid())
+        FsUtil::removeStale(folderFd.get(), prefix, ".tmp");
     for (int attempt = 0; attempt < CreateAttempts; ++attempt) {
         const QByteArray tag = QByteArray::number(QRandomGenerator::global()->generate64(), 36);
-        m_temporary = folder + '.' + base + '.' + tag + ".tmp";
-        m_fd = UniqueFd(::open(m_temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+        m_temporary = folder + prefix + QByteArray::number(::getpid()) + '.' + tag + ".tmp";
+        // Read back once written, to check it as the unpacker will.
+        m_fd = UniqueFd(::open(m_temporary.constData(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
         if (m_fd.isValid())
             return true;
         if (errno != EEXIST)

@@ -9,7 +9,8 @@
 #include <sys/types.h>
 
 // A new version of a file, written under a unique temporary name beside it
-// and renamed over it only when complete and on disk. Until commit() succeeds
+// (".NAME.<pid>.<tag>.tmp") and renamed over it only when complete and on
+// disk; temporaries that killed writers left there go first. Until commit() succeeds
 // the previous file stays byte for byte as it was; a discarded or failed
 // attempt leaves no temporary file behind.
 class AtomicFile {

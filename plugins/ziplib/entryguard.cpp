@@ -1,6 +1,7 @@
 #include "entryguard.h"
 
 #include "archivehandle.h"
+#include "centraldirectory.h"
 #include "fsutil.h"
 
 #include <sys/stat.h>
@@ -12,33 +13,19 @@ QString entryText(const QByteArray &name)
     return QStringLiteral("entry ") + FsUtil::nameText(name);
 }
 
-QString bombText(const QByteArray &name)
-{
-    return entryText(name) + QStringLiteral(" would expand to more than %1 times the archive's size"
-                                            " (a decompression bomb?)").arg(EntryGuard::MaxRatio);
-}
-
 } // namespace
 
-EntryGuard::EntryGuard(qint64 archiveSize)
-    : m_archiveSize(qMax<qint64>(archiveSize, 1))
+EntryGuard::EntryGuard(const LXArchiveLimits &limits, quint64 storedTotal)
+    : m_limits(limits)
+    , m_allowedTotal(CentralDirectory::allowedBytes(storedTotal, limits))
 {
 }
 
-bool EntryGuard::admit(archive_entry *entry, QByteArray *path)
+bool EntryGuard::admit(archive_entry *entry, const QByteArray &name, QByteArray *path)
 {
-    if (++m_entries > MaxEntries)
-        return fail(QStringLiteral("the archive holds more than %1 entries").arg(MaxEntries));
-    const char *utf8 = archive_entry_pathname_utf8(entry);
-    if (!utf8 || !FsUtil::isValidUtf8(QByteArray(utf8)))
-        return fail(QStringLiteral("an entry name is not valid UTF-8: ")
-                    + FsUtil::nameText(QByteArray(archive_entry_pathname(entry))));
-    const QByteArray name(utf8);
     if (!checkKind(entry, name) || !cleanName(name, path))
         return false;
-    const bool isDir = archive_entry_filetype(entry) == AE_IFDIR;
-    const qint64 size = isDir || !archive_entry_size_is_set(entry) ? 0 : archive_entry_size(entry);
-    return checkUnique(*path, isDir) && checkSize(*path, size);
+    return checkUnique(*path, archive_entry_filetype(entry) == AE_IFDIR);
 }
 
 bool EntryGuard::checkKind(archive_entry *entry, const QByteArray &name)
@@ -96,23 +83,15 @@ bool EntryGuard::checkUnique(const QByteArray &path, bool isDir)
     return true;
 }
 
-bool EntryGuard::checkSize(const QByteArray &path, qint64 size)
-{
-    if (size > RatioCheckedFrom && size / MaxRatio > m_archiveSize)
-        return fail(bombText(path));
-    m_declared += size;
-    if (size > MaxExpandedTotal || m_declared > MaxExpandedTotal)
-        return fail(QStringLiteral("the archive would expand to more than 4 GiB (a decompression bomb?)"));
-    return true;
-}
-
-bool EntryGuard::admitData(const QByteArray &path, qint64 entryBytes, qint64 chunk)
+bool EntryGuard::admitData(const QByteArray &path, qint64 entryBytes, quint64 entryStored, qint64 chunk)
 {
     m_expanded += chunk;
-    if (m_expanded > MaxExpandedTotal)
-        return fail(QStringLiteral("the archive expands to more than 4 GiB (a decompression bomb?)"));
-    if (entryBytes > RatioCheckedFrom && entryBytes / MaxRatio > m_archiveSize)
-        return fail(bombText(path));
+    if (entryBytes > CentralDirectory::allowedBytes(entryStored, m_limits))
+        return fail(entryText(path) + QStringLiteral(" expands more than %1 times (limit of the compression ratio)")
+                                          .arg(m_limits.maxRatio));
+    if (m_expanded > m_allowedTotal)
+        return fail(QStringLiteral("the archive expands more than %1 times its size (limit of the unpacked size)")
+                        .arg(m_limits.maxRatio));
     return true;
 }
 

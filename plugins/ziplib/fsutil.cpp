@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace FsUtil {
 
@@ -101,6 +103,24 @@ bool removeTree(int dirFd, const QByteArray &name)
     for (const QByteArray &child : children)
         ok = removeTree(sub.get(), child) && ok;
     return ::unlinkat(dirFd, name.constData(), AT_REMOVEDIR) == 0 && ok;
+}
+
+void removeStale(int dirFd, const QByteArray &prefix, const QByteArray &suffix)
+{
+    QList<QByteArray> names;
+    if (!listDir(dirFd, &names))
+        return;
+    for (const QByteArray &name : std::as_const(names)) {
+        if (!name.startsWith(prefix) || !name.endsWith(suffix) || name.size() <= prefix.size() + suffix.size())
+            continue;
+        int end = int(prefix.size());
+        while (end < name.size() && name.at(end) >= '0' && name.at(end) <= '9')
+            ++end;
+        bool ok = false;
+        const pid_t pid = pid_t(name.mid(prefix.size(), end - prefix.size()).toInt(&ok));
+        if (ok && pid > 0 && ::kill(pid, 0) != 0 && errno == ESRCH)
+            removeTree(dirFd, name);
+    }
 }
 
 bool syncDir(const QByteArray &path)

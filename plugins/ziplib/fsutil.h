@@ -27,6 +27,10 @@ UniqueFd openDirPath(int rootFd, const QByteArray &relPath, bool create);
 // come out the same for the same folder.
 bool listDir(int dirFd, QList<QByteArray> *names);
 bool removeTree(int dirFd, const QByteArray &name);
+// Removes what a killed pack or unpack left in a folder: entries named
+// prefix + <pid> + ... + suffix whose process no longer runs. Names of live
+// processes, and any other names, stay.
+void removeStale(int dirFd, const QByteArray &prefix, const QByteArray &suffix);
 bool syncDir(const QByteArray &path);
 
 } // namespace FsUtil

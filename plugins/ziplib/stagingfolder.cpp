@@ -14,6 +14,7 @@
 namespace {
 
 const int CreateAttempts = 64;
+const QByteArray StagingPrefix(".unpack-");
 
 bool renameNoReplace(int fromFd, const QByteArray &name, int toFd)
 {
@@ -40,10 +41,17 @@ StagingFolder::~StagingFolder()
     }
 }
 
+void StagingFolder::removeStale(int folderFd)
+{
+    FsUtil::removeStale(folderFd, StagingPrefix, QByteArray());
+}
+
 bool StagingFolder::create()
 {
+    removeStale(m_targetFd);
     for (int attempt = 0; attempt < CreateAttempts; ++attempt) {
-        m_name = ".unpack-" + QByteArray::number(QRandomGenerator::global()->generate64(), 36);
+        m_name = StagingPrefix + QByteArray::number(::getpid()) + '-'
+            + QByteArray::number(QRandomGenerator::global()->generate64(), 36);
         if (::mkdirat(m_targetFd, m_name.constData(), 0700) == 0) {
             m_fd = FsUtil::openDir(m_targetFd, m_name);
             if (m_fd.isValid())

@@ -17,7 +17,10 @@ public:
     StagingFolder(const StagingFolder &) = delete;
     StagingFolder &operator=(const StagingFolder &) = delete;
 
+    // Also removes what unpacks killed on the way left in the target.
     bool create();
+    // Staging folders of processes that are gone (".unpack-<pid>-...").
+    static void removeStale(int folderFd);
     int fd() const;
     // Existing folders of the target are merged into; an existing file or
     // link is never replaced: such a clash refuses before anything moves.

@@ -1,23 +1,43 @@
 #include "ziparchivetool.h"
 
 #include "atomicfile.h"
+#include "centraldirectory.h"
+#include "document/archivelimits.h"
 #include "fsutil.h"
 #include "stagingfolder.h"
 #include "zipextractor.h"
 #include "zipwriter.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <exception>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <utility>
 
 namespace {
 
 UniqueFd openFolder(const QString &folder)
 {
     return UniqueFd(::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+// A killed unpack leaves its staging folder inside a target that is then
+// given up (the next open of the same archive picks a new folder), so the
+// target's neighbours are looked at too.
+void removeStaleBeside(const QString &folder)
+{
+    const UniqueFd parent = openFolder(QFileInfo(folder).absolutePath());
+    QList<QByteArray> names;
+    if (!parent.isValid() || !FsUtil::listDir(parent.get(), &names))
+        return;
+    for (const QByteArray &name : std::as_const(names)) {
+        const UniqueFd child = FsUtil::openDir(parent.get(), name);
+        if (child.isValid())
+            StagingFolder::removeStale(child.get());
+    }
 }
 
 } // namespace
@@ -85,21 +105,29 @@ bool ZipArchiveTool::pack(const QString &folder, const QString &archive)
     AtomicFile file(archive);
     if (!file.open())
         return fail(file.errorString());
-    ZipWriter writer;
+    const LXArchiveLimits limits = ArchiveLimits::current();
+    ZipWriter writer(limits.ratioCheckedFrom);
     const auto ownFile = [&file](const struct stat &info) { return file.isOwnFile(info.st_dev, info.st_ino); };
     if (!writer.open(file.fd()) || !writer.addTree(source.get(), ownFile) || !writer.close())
         return fail(writer.errorString());
+    // What is packed here must unpack again: an archive the unpacker would
+    // refuse (too many entries, too compressible) never replaces the old one.
+    struct stat written;
+    CentralDirectory directory;
+    if (::fstat(file.fd(), &written) != 0 || !directory.read(file.fd(), written.st_size, limits))
+        return fail(QStringLiteral("the lesson could not be opened again once packed: ") + directory.errorString());
     return file.commit() || fail(file.errorString());
 }
 
 bool ZipArchiveTool::unpack(const QString &archive, const QString &folder)
 {
-    ZipExtractor extractor(archive);
+    ZipExtractor extractor(archive, ArchiveLimits::current());
     if (!extractor.scan())
         return fail(extractor.errorString());
     const UniqueFd target = openFolder(folder);
     if (!target.isValid())
         return fail(FsUtil::errnoText(QStringLiteral("cannot open the target folder"), errno));
+    removeStaleBeside(folder);
     StagingFolder staging(target.get());
     if (!staging.create())
         return fail(staging.errorString());

@@ -40,8 +40,9 @@ bool setTime(int fd, const FileTime &modified)
 
 } // namespace
 
-ZipExtractor::ZipExtractor(const QString &archive)
+ZipExtractor::ZipExtractor(const QString &archive, const LXArchiveLimits &limits)
     : m_archivePath(QFile::encodeName(archive))
+    , m_limits(limits)
 {
 }
 
@@ -59,17 +60,17 @@ bool ZipExtractor::run(int rootFd)
 {
     UniqueFd file;
     ArchiveReader reader;
-    qint64 size = 0;
-    if (!openArchive(&file, &reader, &size)) {
+    if (!openArchive(&file, &reader)) {
         m_archive = nullptr;
         return false;
     }
     m_folderTimes.clear();
     m_parentPath.clear();
     m_parentFd = UniqueFd();
-    EntryGuard guard(size);
+    EntryGuard guard(m_limits, m_stored);
     bool ok = true;
-    for (;;) {
+    size_t index = 0;
+    for (; ok; ++index) {
         archive_entry *entry = nullptr;
         const int status = archive_read_next_header(m_archive, &entry);
         if (status == ARCHIVE_EOF)
@@ -79,21 +80,23 @@ bool ZipExtractor::run(int rootFd)
         QByteArray path;
         if (status != ARCHIVE_OK && status != ARCHIVE_WARN)
             ok = failArchive(QStringLiteral("damaged archive"));
-        else if (!guard.admit(entry, &path))
-            ok = fail(guard.errorString());
+        else if (!admitEntry(entry, index, guard, &path))
+            ok = false;
         else if (status != ARCHIVE_OK)
             ok = failArchive(QStringLiteral("damaged archive"));
         else if (rootFd >= 0)
             ok = extractEntry(entry, path, rootFd, guard);
-        if (!ok)
-            break;
     }
+    // Entries the reader skips or merges would be lost without a word.
+    if (ok && index != m_directory.records().size())
+        ok = fail(QStringLiteral("the archive declares %1 entries but %2 can be read")
+                      .arg(m_directory.records().size()).arg(index));
     m_parentFd = UniqueFd();
     m_archive = nullptr;
     return ok;
 }
 
-bool ZipExtractor::openArchive(UniqueFd *file, ArchiveReader *reader, qint64 *size)
+bool ZipExtractor::openArchive(UniqueFd *file, ArchiveReader *reader)
 {
     *file = UniqueFd(::open(m_archivePath.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat info;
@@ -101,7 +104,11 @@ bool ZipExtractor::openArchive(UniqueFd *file, ArchiveReader *reader, qint64 *si
         return fail(FsUtil::errnoText(QStringLiteral("cannot open the archive"), errno));
     if (!S_ISREG(info.st_mode))
         return fail(QStringLiteral("the archive is not a regular file"));
-    *size = info.st_size;
+    if (!m_directory.read(file->get(), info.st_size, m_limits))
+        return fail(m_directory.errorString());
+    m_stored = 0;
+    for (const CentralDirectory::Record &record : m_directory.records())
+        m_stored += record.compressed;
     reader->reset(archive_read_new());
     if (!*reader)
         return fail(QStringLiteral("out of memory"));
@@ -111,6 +118,23 @@ bool ZipExtractor::openArchive(UniqueFd *file, ArchiveReader *reader, qint64 *si
     if (archive_read_support_format_zip_seekable(m_archive) != ARCHIVE_OK
         || archive_read_open_fd(m_archive, file->get(), ReadBlockSize) != ARCHIVE_OK)
         return failArchive(QStringLiteral("not a readable ZIP archive"));
+    return true;
+}
+
+// The reader walks the entries in the order of their bytes, the order the
+// directory's records are sorted in.
+bool ZipExtractor::admitEntry(archive_entry *entry, size_t index, EntryGuard &guard, QByteArray *path)
+{
+    const std::vector<CentralDirectory::Record> &records = m_directory.records();
+    if (index >= records.size())
+        return fail(QStringLiteral("the archive holds more entries than it declares (%1)").arg(records.size()));
+    const CentralDirectory::Record &record = records[index];
+    if (!guard.admit(entry, record.name, path))
+        return fail(guard.errorString());
+    if (archive_entry_size_is_set(entry) && quint64(archive_entry_size(entry)) != record.size)
+        return fail(QStringLiteral("the archive's entries do not match its directory at ")
+                    + FsUtil::nameText(record.name));
+    m_entryStored = record.compressed;
     return true;
 }
 
@@ -165,7 +189,7 @@ bool ZipExtractor::copyData(int fd, archive_entry *entry, const QByteArray &path
         written += qint64(size);
         if (declared >= 0 && written > declared)
             return fail(FsUtil::nameText(path) + QStringLiteral(" holds more data than its header says"));
-        if (!guard.admitData(path, written, qint64(size)))
+        if (!guard.admitData(path, written, m_entryStored, qint64(size)))
             return fail(guard.errorString());
         if (!FsUtil::writeAll(fd, static_cast<const char *>(block), size))
             return fail(FsUtil::errnoText(QStringLiteral("cannot write ") + FsUtil::nameText(path), errno));

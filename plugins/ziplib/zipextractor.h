@@ -2,6 +2,7 @@
 #define ZIPLIB_ZIPEXTRACTOR_H
 
 #include "archivehandle.h"
+#include "centraldirectory.h"
 #include "uniquefd.h"
 
 #include <QByteArray>
@@ -12,14 +13,15 @@
 
 class EntryGuard;
 
-// Reads a ZIP archive through its central directory. scan() checks every
-// header without writing anything; extractInto() checks them again (the file
+// Reads a ZIP archive through its central directory, which is first read
+// and checked on its own (CentralDirectory). scan() checks every header
+// without writing anything; extractInto() checks them again (the file
 // may have changed in between) while it writes the entries below a folder.
 class ZipExtractor {
 public:
     using FileTime = decltype(stat::st_mtim);
 
-    explicit ZipExtractor(const QString &archive);
+    ZipExtractor(const QString &archive, const LXArchiveLimits &limits);
 
     bool scan();
     bool extractInto(int rootFd);
@@ -34,7 +36,8 @@ private:
     };
 
     bool run(int rootFd);
-    bool openArchive(UniqueFd *file, ArchiveReader *reader, qint64 *size);
+    bool openArchive(UniqueFd *file, ArchiveReader *reader);
+    bool admitEntry(archive_entry *entry, size_t index, EntryGuard &guard, QByteArray *path);
     bool extractEntry(archive_entry *entry, const QByteArray &path, int rootFd, EntryGuard &guard);
     bool makeFolder(archive_entry *entry, const QByteArray &path, int rootFd);
     bool writeFile(archive_entry *entry, const QByteArray &path, int rootFd, EntryGuard &guard);
@@ -44,6 +47,10 @@ private:
     bool failArchive(const QString &what);
 
     const QByteArray m_archivePath;
+    const LXArchiveLimits m_limits;
+    CentralDirectory m_directory;
+    quint64 m_stored = 0;
+    quint64 m_entryStored = 0;
     archive *m_archive = nullptr;
     QByteArray m_parentPath;
     UniqueFd m_parentFd;

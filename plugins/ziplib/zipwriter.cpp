@@ -22,8 +22,9 @@ QByteArray suffixOf(const QByteArray &name)
 
 } // namespace
 
-ZipWriter::ZipWriter()
-    : m_buffer(CopyBufferSize)
+ZipWriter::ZipWriter(qint64 storeFrom)
+    : m_storeFrom(storeFrom)
+    , m_buffer(CopyBufferSize)
 {
 }
 
@@ -117,11 +118,15 @@ bool ZipWriter::writeHeader(const QByteArray &path, const struct stat &info)
         return fail(QStringLiteral("out of memory"));
     archive_entry_set_pathname_utf8(entry.get(), path.constData());
     archive_entry_set_filetype(entry.get(), S_ISDIR(info.st_mode) ? AE_IFDIR : AE_IFREG);
-    archive_entry_set_perm(entry.get(), info.st_mode & 0777);
+    // No execute, set-id or sticky bits on files: a lesson holds no programs.
+    archive_entry_set_perm(entry.get(), info.st_mode & (S_ISDIR(info.st_mode) ? 0777 : 0666));
     archive_entry_set_size(entry.get(), S_ISDIR(info.st_mode) ? 0 : info.st_size);
     archive_entry_set_mtime(entry.get(), info.st_mtim.tv_sec, info.st_mtim.tv_nsec);
     archive *const a = m_archive.get();
-    const int chosen = isCompressedMedia(path) ? archive_write_zip_set_compression_store(a)
+    // The unpacker checks the ratio only beyond storeFrom bytes, so storing
+    // what is larger keeps every lesson written here acceptable to it.
+    const bool store = isCompressedMedia(path) || info.st_size > m_storeFrom;
+    const int chosen = store ? archive_write_zip_set_compression_store(a)
                                                : archive_write_zip_set_compression_deflate(a);
     if (chosen != ARCHIVE_OK || archive_write_header(a, entry.get()) != ARCHIVE_OK)
         return failArchive(QStringLiteral("cannot add ") + FsUtil::nameText(path));

@@ -13,13 +13,15 @@
 // Writes the whole tree below a folder as an ordinary ZIP archive into an
 // open file: folders as their own entries (an empty resource folder must come
 // back), names relative to the folder in UTF-8, modification times kept.
-// Media that is compressed already is stored, everything else deflated.
+// Media that is compressed already is stored, everything else deflated,
+// except files too large for the unpacker to take on trust at any ratio.
 class ZipWriter {
 public:
     // Files the writer must leave out (its own output lying in the folder).
     using SkipTest = std::function<bool(const struct stat &)>;
 
-    ZipWriter();
+    // Files larger than storeFrom bytes are stored as they are.
+    explicit ZipWriter(qint64 storeFrom);
     bool open(int fd);
     bool addTree(int rootFd, const SkipTest &skip);
     bool close();
@@ -37,6 +39,7 @@ private:
     bool failArchive(const QString &what);
 
     ArchiveWriter m_archive;
+    const qint64 m_storeFrom;
     SkipTest m_skip;
     std::vector<char> m_buffer;
     QString m_error;

@@ -1,5 +1,6 @@
 #include "document/archiveplugin.h"
 
+#include "document/archivelimits.h"
 #include "document/temproot.h"
 
 #include <QFile>
@@ -84,6 +85,12 @@ ArchivePlugin::ArchivePlugin()
     // like one whose entry point gives no tool.
     const auto factory = reinterpret_cast<ArchiveToolFactory>(dlsym(m_handle, "get_interface"));
     m_tool = factory ? factory() : nullptr;
+    // Optional: a plug-in without it keeps its own default limits.
+    const auto setLimits = reinterpret_cast<ArchiveLimitsSetter>(dlsym(m_handle, "set_archive_limits"));
+    if (m_tool && setLimits) {
+        const LXArchiveLimits limits = ArchiveLimits::current();
+        setLimits(&limits);
+    }
     if (!m_tool) {
         m_error = QStringLiteral("the archive plug-in '%1' gives no archive tool").arg(QString::fromUtf8(path));
         unload();

@@ -1,5 +1,7 @@
 #include "document/lessonpath.h"
 
+#include "xml/regularfile.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -7,7 +9,6 @@
 
 #include <cerrno>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -38,26 +39,6 @@ public:
 private:
     int m_fd;
 };
-
-// Opens the last step without following a link and without waiting for a
-// writer on a FIFO; then only a regular file is kept, in blocking mode.
-int openLastStep(int dirFd, const QByteArray &step)
-{
-    Descriptor fd(::openat(dirFd, step.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-    if (fd.get() < 0)
-        return -1;
-    struct stat info {};
-    if (::fstat(fd.get(), &info) != 0)
-        return -1;
-    if (!S_ISREG(info.st_mode)) {
-        errno = S_ISDIR(info.st_mode) ? EISDIR : EINVAL;
-        return -1;
-    }
-    const int flags = ::fcntl(fd.get(), F_GETFL);
-    if (flags < 0 || ::fcntl(fd.get(), F_SETFL, flags & ~O_NONBLOCK) != 0)
-        return -1;
-    return fd.release();
-}
 
 // With O_DIRECTORY | O_NOFOLLOW a link in the middle of a name fails as
 // ENOTDIR, which a plain file in the middle gives too.
@@ -118,12 +99,12 @@ int LessonPath::openRegular(const QString &folder, const QString &name)
             return -1;
         dir.reset(next);
     }
-    return openLastStep(dir.get(), QFile::encodeName(steps.last()));
+    return RegularFile::openAt(dir.get(), QFile::encodeName(steps.last()), false);
 }
 
 int LessonPath::openRegularPath(const QString &path)
 {
-    return openLastStep(AT_FDCWD, QFile::encodeName(path));
+    return RegularFile::openAt(AT_FDCWD, QFile::encodeName(path), false);
 }
 
 bool LessonPath::open(QFile *file, const QString &folder, const QString &name)

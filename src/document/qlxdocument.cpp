@@ -1,8 +1,9 @@
 #include "document/qlxdocument.h"
 
 #include "document/archiveplugin.h"
-#include "document/temproot.h"
+#include "document/lessonpath.h"
 #include "document/savelock.h"
+#include "document/temproot.h"
 #include "idrawpage.h"
 #include "manifest/qlxresmgr.h"
 #include "page/qlxfrontpage.h"
@@ -246,8 +247,12 @@ ILXFrontPage *QLXDocument::getPageByIndex(int index, int &id)
     if (index < 0 || index > pages.size())
         return nullptr;
     const QString name = index < pages.size() ? pages.at(index) : QString();
+    // The name comes from the lesson: one that leads outside the working
+    // folder, through a link or to anything but a regular file is missing.
+    if (!name.isEmpty() && LessonPath::inspect(m_path, name) != LessonPath::Regular)
+        return nullptr;
     QLXFrontPage *const page = new QLXFrontPage;
-    if (!page->loadPageFile(m_path + QLatin1Char('/') + name)) {
+    if (!page->loadPageFile(m_path + QLatin1Char('/') + LessonPath::clean(name))) {
         delete page;
         return nullptr;
     }

@@ -1,3 +1,4 @@
+#include "document/archivelimits.h"
 #include "document/qlxdocument.h"
 #include "lxdoc.h"
 
@@ -7,4 +8,14 @@ ILXDocument *get_interface()
 {
     // A host gets null rather than an exception across the C boundary.
     return new (std::nothrow) QLXDocument;
+}
+
+LXArchiveLimits lxdoc_archive_limits()
+{
+    return ArchiveLimits::current();
+}
+
+void lxdoc_set_archive_limits(const LXArchiveLimits *limits)
+{
+    ArchiveLimits::set(limits ? *limits : ArchiveLimits::defaults());
 }

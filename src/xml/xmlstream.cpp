@@ -1,8 +1,9 @@
 #include "xmlstream.h"
 
 #include "domwriter.h"
-#include "xmllimits.h"
 #include "numbertext.h"
+#include "regularfile.h"
+#include "xmllimits.h"
 #include "xmlname.h"
 
 #include <QDomElement>
@@ -96,7 +97,9 @@ bool QXmlStream::createXmlFile(const QString &fileName, const QString &rootName)
         m_ready = false;
         return false;
     }
-    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+    // NewOnly also refuses a dangling link, which would otherwise be followed
+    // to create a file wherever it points.
+    if (!m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
         qWarning("open XML file error!");
         m_file.close();
         m_ready = false;
@@ -131,7 +134,9 @@ bool QXmlStream::loadFromXmlFile(const QString &fileName)
     if (!m_file.exists())
         return false;
     m_fileName = fileName;
-    if (!m_file.open(QIODevice::ReadWrite)) {
+    // A name that is a link, a FIFO or a device is not a lesson file: it is
+    // neither followed nor waited on.
+    if (!RegularFile::open(&m_file, fileName, true)) {
         qWarning("open XML file error!");
         m_file.close();
         m_ready = false;

@@ -1,5 +1,8 @@
 #include "document/lessonpath.h"
+#include "document/qlxdocument.h"
+#include "ilxfrontpage.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -17,6 +20,9 @@ private slots:
     void inspect_data();
     void inspect();
     void fifoDoesNotBlock();
+    void documentReadsOnlyInside_data();
+    void documentReadsOnlyInside();
+    void newPageNeverFollowsLink();
 
 private:
     QTemporaryDir m_root;
@@ -106,6 +112,59 @@ void TestLessonPath::fifoDoesNotBlock()
     const int fd = LessonPath::openRegularPath(m_lesson + QStringLiteral("/page1.svg"));
     QVERIFY(fd >= 0);
     ::close(fd);
+}
+
+void TestLessonPath::documentReadsOnlyInside_data()
+{
+    QTest::addColumn<QString>("entry");
+    const QString secret = m_root.filePath(QStringLiteral("secret.svg"));
+    QTest::newRow("escape") << "../secret.svg";
+    QTest::newRow("absolute") << secret;
+    QTest::newRow("file url") << QStringLiteral("file://") + secret;
+    QTest::newRow("link out") << "out.svg";
+    QTest::newRow("link step") << "up/secret.svg";
+    QTest::newRow("fifo") << "fifo.svg";
+    QTest::newRow("device") << "../../../../../../dev/zero";
+}
+
+// A page the manifest lists outside the folder, through a link or as
+// something other than a regular file is missing: no page, no wait, and the
+// file it names is neither read nor written.
+void TestLessonPath::documentReadsOnlyInside()
+{
+    QFETCH(QString, entry);
+    const QString manifest = m_lesson + QStringLiteral("/manifest.xml");
+    QFile file(manifest);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(QStringLiteral("<manifest><resource identifier=\"pages\"><file href=\"%1\"/></resource>"
+                              "<resource identifier=\"records\"/></manifest>\n").arg(entry.toHtmlEscaped()).toUtf8());
+    file.close();
+    QElapsedTimer timer;
+    timer.start();
+    QLXDocument document;
+    QVERIFY(document.openDocument(m_lesson));
+    int id = -1;
+    QCOMPARE(document.getPageByIndex(0, id), nullptr);
+    QCOMPARE(id, -1);
+    QVERIFY(document.saveFile(QString(), false));
+    QVERIFY(timer.elapsed() < 5000);
+    QFile secret(m_root.filePath(QStringLiteral("secret.svg")));
+    QVERIFY(secret.open(QIODevice::ReadOnly));
+    QCOMPARE(secret.readAll(), QByteArray("x"));
+}
+
+void TestLessonPath::newPageNeverFollowsLink()
+{
+    const QString target = m_root.filePath(QStringLiteral("planted.svg"));
+    QVERIFY(QFile::link(target, m_lesson + QStringLiteral("/page7.svg")));
+    QLXDocument document;
+    QVERIFY(document.openDocument(m_lesson));
+    QTest::ignoreMessage(QtWarningMsg, "open XML file error!");
+    ILXFrontPage *const page = document.getPageById(7);
+    QVERIFY(page);
+    page->release();
+    QVERIFY(!QFileInfo::exists(target));
+    QVERIFY(QFileInfo(m_lesson + QStringLiteral("/page7.svg")).isSymLink());
 }
 
 QTEST_GUILESS_MAIN(TestLessonPath)

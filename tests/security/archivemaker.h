@@ -86,6 +86,20 @@ elif r in ('cp437-names', 'latin1-names'):
     raw = 'images/Gr\u00f6\u00dfe.png'.encode('cp437' if r == 'cp437-names' else 'latin-1')
     placeholder = b'images/' + b'Q' * (len(raw) - 7)
     blob = patch_names(zipped(LESSON + [(placeholder.decode(), b'png')]), placeholder, raw)
+elif r == 'infozip-latin1':
+    # Info-ZIP's zip in the C locale stores a Latin-1 name's bytes as they are.
+    with tempfile.TemporaryDirectory() as d:
+        for name, data in LESSON:
+            p = os.path.join(d, name)
+            os.makedirs(os.path.dirname(p), exist_ok=True)
+            open(p, 'wb').write(data.encode() if isinstance(data, str) else data)
+        open(os.path.join(d.encode(), b'images', b'caf\xe9.png'), 'wb').write(b'png')
+        z = os.path.join(d, 'out.zip')
+        env = dict(os.environ, LC_ALL='C', LANG='C')
+        subprocess.run(['zip', '-q', '-r', z, 'manifest.xml', 'page1.svg', 'images'], cwd=d, check=True, env=env)
+        blob = open(z, 'rb').read()
+elif r == 'setuid-exec':
+    blob = zipped(LESSON + [unix('images/run.sh', 0o107777, '#!/bin/sh\n'), unix('images/bin/', 0o46777)])
 elif r == 'dotdot':
     blob = zipped(LESSON + [('../escape.txt', 'escaped')])
 elif r == 'dotdot-deep':

@@ -4,6 +4,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QImage>
 #include <QJsonArray>
@@ -13,6 +14,8 @@
 #include <QSet>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <sys/stat.h>
 
 #include "tool/toolrunner.h"
 
@@ -90,6 +93,29 @@ bool editManifest(const QString &path, const QString &damage)
     else
         text.replace("<file href=\"page1.svg\"", "<file href=\"page1.svg\"/><file href=\"page1.svg\"");
     return writeFile(path, text);
+}
+
+// Makes one entry of the folder lead outside it, to a secret of 900 bytes.
+bool pointOutside(const QDir &folder, const QString &damage, const QString &secret)
+{
+    if (!writeFile(secret, QByteArray("TOPSECRET").repeated(100)))
+        return false;
+    const QString manifest = folder.filePath(QStringLiteral("manifest.xml"));
+    const QString page1 = folder.filePath(QStringLiteral("page1.svg"));
+    const QString page2 = folder.filePath(QStringLiteral("page2.svg"));
+    const QString picture = folder.filePath(QStringLiteral("images/sample-picture.png"));
+    if (damage == QLatin1String("absolute")) {
+        QFile file(manifest);
+        if (!file.open(QIODevice::ReadOnly))
+            return false;
+        QByteArray text = file.readAll();
+        file.close();
+        return writeFile(manifest, text.replace("images/sample-picture.png", QFile::encodeName(secret)));
+    }
+    if (damage == QLatin1String("fifo-page"))
+        return QFile::remove(page2) && ::mkfifo(QFile::encodeName(page2).constData(), 0600) == 0;
+    const QString linked = damage == QLatin1String("link-page") ? page1 : picture;
+    return QFile::remove(linked) && QFile::link(secret, linked);
 }
 
 QByteArray readFile(const QString &path)
@@ -295,6 +321,11 @@ void TestTool::checkFindsProblems_data()
     QTest::newRow("wrong page root") << "wrong-root" << "page2.svg: the root element is <html>, expected <svg>";
     QTest::newRow("page listed twice") << "duplicate-page" << "manifest.xml: 'page1.svg' is listed more than once in 'pages'";
     QTest::newRow("entry outside") << "outside" << "../secret.png: points outside the lesson (listed in 'images')";
+    QTest::newRow("absolute entry") << "absolute" << "secret.png: points outside the lesson (listed in 'images')";
+    QTest::newRow("page is a link") << "link-page" << "page1.svg: is a symbolic link (not followed) (listed in 'pages')";
+    QTest::newRow("page is a FIFO") << "fifo-page" << "page2.svg: is not a regular file (listed in 'pages')";
+    QTest::newRow("resource is a link") << "link-resource"
+                                        << "images/sample-picture.png: is a symbolic link (not followed) (listed in 'images')";
     QTest::newRow("broken manifest") << "broken-manifest" << "manifest.xml: not well-formed XML";
     QTest::newRow("no manifest") << "no-manifest" << "not a lesson folder";
 }
@@ -328,10 +359,20 @@ void TestTool::checkFindsProblems()
             QVERIFY(writeFile(folder.filePath(QStringLiteral("manifest.xml")), "<manifest><resource>"));
         else if (damage == QLatin1String("no-manifest"))
             QVERIFY(QFile::remove(folder.filePath(QStringLiteral("manifest.xml"))));
+        else
+            QVERIFY(pointOutside(folder, damage, path(QStringLiteral("secret.png"))));
     }
+    QElapsedTimer timer;
+    timer.start();
     const Run check = run({QStringLiteral("check"), lesson});
+    QVERIFY(timer.elapsed() < 20000);
     QVERIFY(check.status != 0);
     QVERIFY2((check.out + check.err).contains(finding), qPrintable(check.out + check.err));
+    // Neither check nor info shows anything of a file outside the lesson.
+    const Run info = run({QStringLiteral("info"), lesson});
+    for (const QString &output : {check.out + check.err, info.out + info.err})
+        QVERIFY2(!output.contains(QLatin1String("TOPSECRET")) && !output.contains(QLatin1String("900 bytes")),
+                 qPrintable(output));
 }
 
 void TestTool::checkAcceptsCrossedLists()

@@ -59,7 +59,7 @@ void LessonChecker::checkPageFiles(const ManifestReader &manifest, const QString
     for (int i = 0; i < entries.size(); ++i) {
         Console::progress(i + 1, int(entries.size()), QStringLiteral("checking %1").arg(list));
         const QString &entry = entries.at(i);
-        const QString problem = isInside(entry) ? xmlProblem(entry, root) : QStringLiteral("points outside the lesson");
+        const QString problem = xmlProblem(entry, root);
         if (!problem.isEmpty())
             m_problems << QStringLiteral("%1: %2 (listed in '%3')").arg(entry, problem, list);
     }
@@ -72,11 +72,12 @@ void LessonChecker::checkResources(const ManifestReader &manifest)
         const QStringList entries = manifest.list(kind);
         checkDuplicates(entries, kind);
         for (const QString &entry : entries) {
-            listed.insert(QDir::cleanPath(entry));
-            if (!isInside(entry))
-                m_problems << QStringLiteral("%1: points outside the lesson (listed in '%2')").arg(entry, kind);
-            else if (!QFileInfo(QDir(m_folder).filePath(entry)).isFile())
+            listed.insert(LessonPath::clean(entry));
+            const LessonPath::Verdict verdict = LessonPath::inspect(m_folder, entry);
+            if (verdict == LessonPath::Missing)
                 m_problems << QStringLiteral("%1: listed in '%2' but missing").arg(entry, kind);
+            else if (verdict != LessonPath::Regular)
+                m_problems << QStringLiteral("%1: %2 (listed in '%3')").arg(entry, LessonPath::verdictText(verdict), kind);
         }
     }
     checkUnlistedResources(listed);
@@ -119,12 +120,6 @@ void LessonChecker::checkDuplicates(const QStringList &entries, const QString &l
             m_problems << QStringLiteral("%1: '%2' is listed more than once in '%3'").arg(kManifest, entry, list);
         seen.insert(entry);
     }
-}
-
-bool LessonChecker::isInside(const QString &entry) const
-{
-    const QString clean = QDir::cleanPath(entry);
-    return !QDir::isAbsolutePath(clean) && clean != QLatin1String("..") && !clean.startsWith(QLatin1String("../"));
 }
 
 QString LessonChecker::xmlProblem(const QString &name, const QString &root) const

@@ -24,7 +24,6 @@ private:
     void checkUnlistedResources(const QSet<QString> &listed);
     void checkUnlistedPages(const ManifestReader &manifest);
     void checkDuplicates(const QStringList &entries, const QString &list);
-    bool isInside(const QString &entry) const;
     QString xmlProblem(const QString &name, const QString &root) const;
 
     QString m_folder;

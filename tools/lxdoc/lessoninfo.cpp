@@ -2,7 +2,9 @@
 
 #include "lessonpages.h"
 
-#include <QDir>
+#include "document/lessonpath.h"
+
+#include <QFile>
 #include <QFileInfo>
 
 namespace {
@@ -66,8 +68,9 @@ QStringList LessonInfo::resourceLines() const
         for (const QString &name : names) {
             const qint64 size = fileSize(name);
             bytes += qMax<qint64>(size, 0);
-            entries << (size < 0 ? QStringLiteral("    %1  missing").arg(name)
-                                 : QStringLiteral("    %1  %2").arg(name, plural(size, "byte")));
+            // A name that leads outside says so and nothing about what lies there.
+            const LessonPath::Verdict verdict = size < 0 ? LessonPath::inspect(m_pages.folder(), name) : LessonPath::Regular;
+            entries << QStringLiteral("    %1  %2").arg(name, size < 0 ? LessonPath::verdictText(verdict) : plural(size, "byte"));
         }
         details << QStringLiteral("  %1: %2, %3").arg(kind, plural(names.size(), "file"), plural(bytes, "byte")) << entries;
         total += bytes;
@@ -78,6 +81,6 @@ QStringList LessonInfo::resourceLines() const
 
 qint64 LessonInfo::fileSize(const QString &name) const
 {
-    const QFileInfo info(QDir(m_pages.folder()).filePath(name));
-    return info.isFile() ? info.size() : -1;
+    QFile file;
+    return LessonPath::open(&file, m_pages.folder(), name) ? file.size() : -1;
 }

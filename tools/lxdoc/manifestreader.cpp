@@ -1,15 +1,22 @@
 #include "manifestreader.h"
 
+#include "document/lessonpath.h"
+
 #include <QFile>
+#include <QFileInfo>
 #include <QXmlStreamReader>
+
+#include <cerrno>
+#include <cstring>
 
 bool ManifestReader::load(const QString &path)
 {
     m_lists.clear();
     m_rootName.clear();
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        m_error = file.errorString();
+    QFile file;
+    const QFileInfo info(path);
+    if (!LessonPath::open(&file, info.path(), info.fileName())) {
+        m_error = QString::fromLocal8Bit(std::strerror(errno));
         return false;
     }
     QXmlStreamReader reader(&file);
