@@ -200,7 +200,7 @@ bool DomWriter::openElement(const QDomElement &element, int depth)
     // An element whose name would not read back is left out with all it
     // holds: written, it would make the whole file unreadable.
     if (!XmlName::isQualifiedName(element.nodeName()))
-        return;
+        return false;
     // No whitespace is written next to a text node: it would change the text.
     if (!isTextLike(element.previousSibling()))
         writeIndent(depth);
