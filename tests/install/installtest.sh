@@ -87,7 +87,9 @@ done
 
 # The installed tool finds its library and plug-in from wherever it lies.
 run "$stage/$bindir/$tool" demo "$home/demo.lzn" >/dev/null || fault "$tool demo failed"
-run "$stage/$bindir/$tool" info "$home/demo.lzn" | grep -q '3 pages' || fault "$tool info failed"
+# Read whole before it is searched: grep -q would close the pipe early.
+info=$(run "$stage/$bindir/$tool" info "$home/demo.lzn") || fault "$tool info failed"
+grep -q '3 pages' <<<"$info" || fault "$tool info printed no 3 pages: $info"
 run "$stage/$bindir/$tool" render "$home/demo.lzn" "$home/pages" >/dev/null || fault "$tool render failed"
 compgen -G "$home/pages/*.png" >/dev/null || fault "$tool render wrote no page"
 echo "installed LXDoc (Qt $qt) works for user $user"

@@ -388,7 +388,7 @@ void TestPageRender::refusedWithReason_data()
     QTest::addColumn<QByteArray>("reason");
     QTest::newRow("nested 2,000 deep")
         << QByteArray("<svg width=\"200\" height=\"150\">" + QByteArray("<g>").repeated(2000) + QByteArray("</g>").repeated(2000) + "</svg>")
-        << QString() << QByteArray("nested more than 256");
+        << QString() << QByteArray("nested deeper than 256");
     QTest::newRow("output too large")
         << QByteArray("<svg width=\"200\" height=\"150\"/>") << QStringLiteral("20000x20000") << QByteArray("more than the limit of 67108864");
 }

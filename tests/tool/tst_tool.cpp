@@ -449,8 +449,8 @@ void TestTool::brokenPageIsNamed_data()
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("message");
     QTest::newRow("info") << "info" << 0 << "page 1: cannot be read (page1.svg)";
-    QTest::newRow("dump") << "dump" << 1 << "lxdoc: cannot dump '";
-    QTest::newRow("render") << "render" << 1 << "lxdoc: cannot render: page 1 cannot be read";
+    QTest::newRow("dump") << "dump" << 1 << "page 1 (page1.svg) cannot be read: not well-formed XML";
+    QTest::newRow("render") << "render" << 1 << "lxdoc: cannot render: page 1 (page1.svg) cannot be read: not well-formed XML";
 }
 
 void TestTool::brokenPageIsNamed()

@@ -22,7 +22,7 @@ int ExportCommand::run(const QStringList &arguments)
     if (status >= 0)
         return status;
     if (!line.isSet(QStringLiteral("html")))
-        return Console::fail(QStringLiteral("export: name the form, --html (see 'lxdoc export --help')"), ExitUsage);
+        return Console::usage(QStringLiteral("export: name the form, --html"), line.usageLine());
     const QString folder = line.argument(1);
     if (!FileTree::isEmptyOrMissing(folder))
         return Console::fail(QStringLiteral("cannot export into '%1': the folder is not empty").arg(folder));

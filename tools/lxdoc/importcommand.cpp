@@ -16,9 +16,9 @@ namespace {
 const int kMinDpi = 36;
 const int kMaxDpi = 600;
 
-int usage(const QString &message)
+int usage(const CommandLine &line, const QString &message)
 {
-    return Console::fail(QStringLiteral("import: %1 (see 'lxdoc import --help')").arg(message), ExitUsage);
+    return Console::usage(QStringLiteral("import: %1").arg(message), line.usageLine());
 }
 
 } // namespace
@@ -46,20 +46,20 @@ int ImportCommand::run(const QStringList &arguments)
         return status;
     QSize box(1024, 1024);
     if (line.isSet(QStringLiteral("size")) && !CommandLine::parseSize(line.value(QStringLiteral("size")), &box))
-        return usage(QStringLiteral("--size takes WIDTHxHEIGHT, for example 1024x768"));
+        return usage(line, QStringLiteral("--size takes WIDTHxHEIGHT, for example 1024x768"));
     bool isNumber = false;
     const int dpi = line.value(QStringLiteral("dpi")).toInt(&isNumber);
     if (!isNumber || dpi < kMinDpi || dpi > kMaxDpi)
-        return usage(QStringLiteral("--dpi takes a number from %1 to %2").arg(kMinDpi).arg(kMaxDpi));
+        return usage(line, QStringLiteral("--dpi takes a number from %1 to %2").arg(kMinDpi).arg(kMaxDpi));
     QStringList paths = line.arguments();
     const QString output = paths.takeLast();
     if (!LessonSource::isArchiveName(output))
-        return usage(QStringLiteral("the output must be a lesson archive (.lzn or .resitem)"));
+        return usage(line, QStringLiteral("the output must be a lesson archive (.lzn or .resitem)"));
 
     const QString append = line.value(QStringLiteral("append"));
     // The appended lesson stays as it was; the pages go into a new archive.
     if (!append.isEmpty() && QFileInfo(append).absoluteFilePath() == QFileInfo(output).absoluteFilePath())
-        return usage(QStringLiteral("OUTPUT must be another file than the lesson given to --append"));
+        return usage(line, QStringLiteral("OUTPUT must be another file than the lesson given to --append"));
 
     ImportSources sources;
     if (!sources.collect(paths))

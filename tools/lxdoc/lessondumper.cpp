@@ -30,7 +30,7 @@ bool LessonDumper::dump(int page, QJsonArray *result, QString *error) const
         Console::progress(index - first + 1, last - first + 1, QStringLiteral("reading pages"));
         QJsonObject node;
         if (!dumpPage(index, &node)) {
-            *error = QStringLiteral("page %1 (%2) cannot be read").arg(index + 1).arg(QFileInfo(m_pages.pageFile(index)).fileName());
+            *error = m_pages.pageFailure(index);
             return false;
         }
         result->append(node);

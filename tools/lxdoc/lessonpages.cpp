@@ -1,5 +1,7 @@
 #include "lessonpages.h"
 
+#include "xmlfilecheck.h"
+
 #include <QDir>
 
 LessonPages::LessonPages(ILXDocument *document, const QString &folder)
@@ -29,6 +31,14 @@ Handle<ILXRecordPage> LessonPages::record(int id) const
 QString LessonPages::pageFile(int index) const
 {
     return QDir(m_folder).filePath(m_manifest.list(QStringLiteral("pages")).value(index));
+}
+
+QString LessonPages::pageFailure(int index) const
+{
+    const QString name = m_manifest.list(QStringLiteral("pages")).value(index);
+    const QString problem = XmlFileCheck::problem(m_folder, name, QStringLiteral("svg"));
+    const QString failure = QStringLiteral("page %1 (%2) cannot be read").arg(index + 1).arg(name);
+    return problem.isEmpty() ? failure : failure + QStringLiteral(": ") + problem;
 }
 
 QString LessonPages::folder() const

@@ -16,6 +16,9 @@ public:
     // document for one it does not list would make an empty file.
     Handle<ILXRecordPage> record(int id) const;
     QString pageFile(int index) const;
+    // Why page index cannot be loaded: "page 2 (page2.svg) cannot be read:
+    // nested deeper than ...", for a page() that gave nothing.
+    QString pageFailure(int index) const;
     QString folder() const;
     const ManifestReader &manifest() const;
 

@@ -97,7 +97,7 @@ bool LessonRenderer::pageSvg(int index, QByteArray *svg, QSize *size)
     int id = 0;
     const Handle<ILXFrontPage> page = m_pages.page(index, &id);
     if (!page)
-        return fail(QStringLiteral("page %1 cannot be read").arg(index + 1));
+        return fail(m_pages.pageFailure(index));
     page->getPageSize(*size);
     if (size->isEmpty() || size->width() > kMaxSide || size->height() > kMaxSide)
         return fail(QStringLiteral("page %1 has an unusable size (%2x%3)").arg(index + 1).arg(size->width()).arg(size->height()));

@@ -63,12 +63,12 @@ int RecoverCommand::run(const QStringList &arguments)
     const QString folder = line.argument(0);
     const QStringList roots = folder.isEmpty() ? TempRoots::candidates() : QStringList{folder};
     if (line.isSet(kRemove))
-        return folder.isEmpty() ? Console::fail(QStringLiteral("recover: --remove needs FOLDER"), ExitUsage) : remove(folder);
+        return folder.isEmpty() ? Console::usage(QStringLiteral("recover: --remove needs FOLDER"), line.usageLine()) : remove(folder);
     if (line.isSet(kClean)) {
         bool isNumber = false;
         const int days = line.value(kOlderThan).toInt(&isNumber);
         if (!isNumber || days < 0)
-            return Console::fail(QStringLiteral("recover: --older-than takes a number of days"), ExitUsage);
+            return Console::usage(QStringLiteral("recover: --older-than takes a number of days"), line.usageLine());
         return clean(roots, days);
     }
     if (line.arguments().size() == 2)
@@ -129,6 +129,9 @@ int RecoverCommand::clean(const QStringList &roots, int days)
     const QDateTime limit = QDateTime::currentDateTime().addDays(-days);
     int status = ExitOk;
     for (const QString &root : roots) {
+        // Most of the places a temp root may lie do not exist on a machine.
+        if (!QFileInfo::exists(root))
+            continue;
         // A folder of lessons a user keeps looks the same as a temp root.
         if (!TempRoots::isRoot(root))
             return Console::fail(QStringLiteral("cannot clean '%1': not a host's temp root "

@@ -29,7 +29,9 @@ int UnpackCommand::run(const QStringList &arguments)
         return Console::fail(source.error());
     // Built beside the target and moved into place whole, so a failure never
     // leaves part of a lesson in the user's folder.
-    const QFileInfo target(folder);
+    // "out/" and "./out" name the same folder; the staging folder is named
+    // after its last step.
+    const QFileInfo target(QDir::cleanPath(QDir::current().absoluteFilePath(folder)));
     const QString failure = QStringLiteral("cannot unpack into '%1': %2");
     if (!QDir().mkpath(target.absolutePath()))
         return Console::fail(failure.arg(folder, QStringLiteral("cannot make its parent folder")));
