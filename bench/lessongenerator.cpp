@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lessongenerator.h"
 
 #include "lxdoc.h"

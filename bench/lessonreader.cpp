@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lessonreader.h"
 
 #include "lxdoc.h"

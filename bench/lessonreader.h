@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_BENCH_LESSONREADER_H
 #define LXDOC_BENCH_LESSONREADER_H
 

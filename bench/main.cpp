@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // lxdoc-bench: whole-lesson work through the library, side by side with
 // Info-ZIP and plain QDom on the same files. See bench/README.md.
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Salvage figures: how many pages 'lxdoc salvage' brings back from cut and
 byte-flipped archives.
 

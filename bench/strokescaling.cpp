@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "strokescaling.h"
 
 #include "lxdoc.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_BENCH_STROKESCALING_H
 #define LXDOC_BENCH_STROKESCALING_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_BENCH_TABLEPRINTER_H
 #define LXDOC_BENCH_TABLEPRINTER_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzzmain.h"
 
 LXFUZZ_TARGET(lxfuzz::runTextParsers)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_FUZZMAIN_H
 #define LXDOC_FUZZMAIN_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_LXFUZZ_H
 #define LXDOC_LXFUZZ_H
 

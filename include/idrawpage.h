@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_IDRAWPAGE_H
 #define LXDOC_IDRAWPAGE_H
 

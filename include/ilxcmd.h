@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_ILXCMD_H
 #define LXDOC_ILXCMD_H
 

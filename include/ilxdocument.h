@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_ILXDOCUMENT_H
 #define LXDOC_ILXDOCUMENT_H
 

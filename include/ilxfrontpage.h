@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_ILXFRONTPAGE_H
 #define LXDOC_ILXFRONTPAGE_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_ILXOBJECT_H
 #define LXDOC_ILXOBJECT_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_ILXRECORDPAGE_H
 #define LXDOC_ILXRECORDPAGE_H
 

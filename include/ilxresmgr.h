@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_ILXRESMGR_H
 #define LXDOC_ILXRESMGR_H
 

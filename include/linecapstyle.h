@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_LINECAPSTYLE_H
 #define LXDOC_LINECAPSTYLE_H
 

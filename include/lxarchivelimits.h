@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_LXARCHIVELIMITS_H
 #define LXDOC_LXARCHIVELIMITS_H
 

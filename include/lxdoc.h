@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_LXDOC_H
 #define LXDOC_LXDOC_H
 

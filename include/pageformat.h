@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_PAGEFORMAT_H
 #define LXDOC_PAGEFORMAT_H
 

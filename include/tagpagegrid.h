@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_TAGPAGEGRID_H
 #define LXDOC_TAGPAGEGRID_H
 

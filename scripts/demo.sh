@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds LXDoc and runs the demo host: a sample lesson is built through the
 # library, packed, reopened, summarised and rendered.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs everything the build, the tests and the demo need (Debian, as root).
 set -euo pipefail
 pkgs=(cmake ninja-build g++ pkg-config

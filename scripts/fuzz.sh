@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds the libFuzzer targets with clang and runs each for a fixed time.
 #   scripts/fuzz.sh [SECONDS] [TARGET...]     (default 60 s; all four targets)
 # The growing corpus lives in build/fuzz/corpus/<target>, seeded from

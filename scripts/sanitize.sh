@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Runs every test under AddressSanitizer and UndefinedBehaviorSanitizer (GCC),
 # then the end-to-end lesson test under valgrind's memcheck from a plain build.
 #   scripts/sanitize.sh

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds and runs every test: against Qt 6, against Qt 5.15, and once more
 # under AddressSanitizer and UndefinedBehaviorSanitizer.
 set -euo pipefail

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef ZIPLIB_ARCHIVEHANDLE_H
 #define ZIPLIB_ARCHIVEHANDLE_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef ZIPLIB_ATOMICFILE_H
 #define ZIPLIB_ATOMICFILE_H
 

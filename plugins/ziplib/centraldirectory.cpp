@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "centraldirectory.h"
 
 #include "fsutil.h"

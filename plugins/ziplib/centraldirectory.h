@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef ZIPLIB_CENTRALDIRECTORY_H
 #define ZIPLIB_CENTRALDIRECTORY_H
 

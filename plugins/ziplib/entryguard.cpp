@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "entryguard.h"
 
 #include "archivehandle.h"

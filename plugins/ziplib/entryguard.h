@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef ZIPLIB_ENTRYGUARD_H
 #define ZIPLIB_ENTRYGUARD_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fsutil.h"
 
 #include <QFile>

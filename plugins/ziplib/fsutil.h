@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef ZIPLIB_FSUTIL_H
 #define ZIPLIB_FSUTIL_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "stagingfolder.h"
 
 #include "fsutil.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef ZIPLIB_STAGINGFOLDER_H
 #define ZIPLIB_STAGINGFOLDER_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "uniquefd.h"
 
 #include <unistd.h>

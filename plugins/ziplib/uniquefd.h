@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef ZIPLIB_UNIQUEFD_H
 #define ZIPLIB_UNIQUEFD_H
 

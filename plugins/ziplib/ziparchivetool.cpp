@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ziparchivetool.h"
 
 #include "atomicfile.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef ZIPLIB_ZIPARCHIVETOOL_H
 #define ZIPLIB_ZIPARCHIVETOOL_H
 

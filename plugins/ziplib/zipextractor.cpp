@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "zipextractor.h"
 
 #include "entryguard.h"

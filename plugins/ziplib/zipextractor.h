@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef ZIPLIB_ZIPEXTRACTOR_H
 #define ZIPLIB_ZIPEXTRACTOR_H
 

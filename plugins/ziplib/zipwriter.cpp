@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "zipwriter.h"
 
 #include "fsutil.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef ZIPLIB_ZIPWRITER_H
 #define ZIPLIB_ZIPWRITER_H
 

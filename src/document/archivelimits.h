@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_ARCHIVELIMITS_H
 #define LXDOC_ARCHIVELIMITS_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "document/archiveplugin.h"
 
 #include "document/archivelimits.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_ARCHIVEPLUGIN_H
 #define LXDOC_ARCHIVEPLUGIN_H
 

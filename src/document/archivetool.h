@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_ARCHIVETOOL_H
 #define LXDOC_ARCHIVETOOL_H
 

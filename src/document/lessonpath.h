@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_LESSONPATH_H
 #define LXDOC_LESSONPATH_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "document/qlxdocument.h"
 
 #include "document/archiveplugin.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_QLXDOCUMENT_H
 #define LXDOC_QLXDOCUMENT_H
 

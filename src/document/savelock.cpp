@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "document/savelock.h"
 
 #include <QElapsedTimer>

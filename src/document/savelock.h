@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_SAVELOCK_H
 #define LXDOC_SAVELOCK_H
 

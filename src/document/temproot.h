@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_TEMPROOT_H
 #define LXDOC_TEMPROOT_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_QLXRESMGR_H
 #define LXDOC_QLXRESMGR_H
 

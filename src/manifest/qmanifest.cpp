@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "manifest/qmanifest.h"
 
 #include "xml/xmlstream.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_QMANIFEST_H
 #define LXDOC_QMANIFEST_H
 

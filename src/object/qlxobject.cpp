@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "qlxobject.h"
 
 #include "qpropertytransfer.h"

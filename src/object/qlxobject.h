@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_QLXOBJECT_H
 #define LXDOC_QLXOBJECT_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "qpropertytransfer.h"
 
 #include "xml/numbertext.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_QPROPERTYTRANSFER_H
 #define LXDOC_QPROPERTYTRANSFER_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "page/qlxfrontpage.h"
 
 #include "object/qlxobject.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_QLXFRONTPAGE_H
 #define LXDOC_QLXFRONTPAGE_H
 

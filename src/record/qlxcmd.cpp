@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "record/qlxcmd.h"
 
 #include "object/qlxobject.h"

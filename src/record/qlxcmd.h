@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_QLXCMD_H
 #define LXDOC_QLXCMD_H
 

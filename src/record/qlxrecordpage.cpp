@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "record/qlxrecordpage.h"
 
 #include "record/qlxcmd.h"

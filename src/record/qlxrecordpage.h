@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_QLXRECORDPAGE_H
 #define LXDOC_QLXRECORDPAGE_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "domwriter.h"
 
 #include "xmlname.h"

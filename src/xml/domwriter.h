@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_DOMWRITER_H
 #define LXDOC_DOMWRITER_H
 

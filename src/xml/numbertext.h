@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_NUMBERTEXT_H
 #define LXDOC_NUMBERTEXT_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_REGULARFILE_H
 #define LXDOC_REGULARFILE_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_XMLLIMITS_H
 #define LXDOC_XMLLIMITS_H
 

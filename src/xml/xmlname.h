@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_XMLNAME_H
 #define LXDOC_XMLNAME_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "xmlstream.h"
 
 #include "domwriter.h"

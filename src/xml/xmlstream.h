@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_XMLSTREAM_H
 #define LXDOC_XMLSTREAM_H
 

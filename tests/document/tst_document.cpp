@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "document/scopeddocument.h"
 #include "idrawpage.h"
 #include "ilxfrontpage.h"

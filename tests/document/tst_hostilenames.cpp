@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "document/scopeddocument.h"
 #include "ilxcmd.h"
 #include "ilxfrontpage.h"

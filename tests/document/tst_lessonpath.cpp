@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "document/lessonpath.h"
 #include "document/qlxdocument.h"
 #include "ilxfrontpage.h"

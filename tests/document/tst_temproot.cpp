@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where working folders go: "Temp" beside the executable when it can be used,
 // else a private folder of the user's own, and never one that is not.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A whole lesson end to end, through get_interface() and the public interfaces
 // alone, as a host application uses the library.
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs the build into a staging folder (DESTDIR), builds a host against it
 # with find_package and another with pkg-config, and runs them and the
 # installed tool as an ordinary user from folders outside the build tree.

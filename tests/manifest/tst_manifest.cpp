@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "manifest/manifestreader.h"
 #include "manifest/qmanifest.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "object/qlxobject.h"
 #include "xml/xmlstream.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "object/qpropertytransfer.h"
 
 #include <QtTest>

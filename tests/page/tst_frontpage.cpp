@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ilxobject.h"
 #include "page/qlxfrontpage.h"
 #include "testsupport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ilxobject.h"
 #include "record/qlxcmd.h"
 #include "record/qlxrecordpage.h"

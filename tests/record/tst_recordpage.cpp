@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ilxcmd.h"
 #include "testsupport.h"
 #include "record/qlxrecordpage.h"

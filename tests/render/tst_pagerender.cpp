@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pages made through the library's interfaces, drawn by `lxdoc render`, and
 // compared pixel by pixel with the same geometry drawn by QPainter directly.
 // Two pictures agree when at most kTolerance pixels differ by more than

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_TESTS_TREESNAPSHOT_H
 #define LXDOC_TESTS_TREESNAPSHOT_H
 

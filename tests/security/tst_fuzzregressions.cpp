@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every input that once crashed a fuzz target or broke one of its promises is
 // kept under tests/data/fuzz/<target>/ and replayed here through the same
 // entry function the fuzzer runs, together with the seed corpus.

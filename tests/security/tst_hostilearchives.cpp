@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A lesson archive from a stranger is opened through the document exactly as
 // the host opens one. Whatever the archive holds, nothing may be written, linked
 // or changed outside the folder it is unpacked into; archives that try are

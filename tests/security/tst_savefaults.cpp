@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Saving must never cost the teacher the lesson already on disk: whatever
 // stops a pack (a folder that cannot be written, a full disk, the process
 // killed half way), the previous archive stays complete, or the new one is.

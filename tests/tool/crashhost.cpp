@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A small host of the library for the recovery tests and measurements: it
 // builds a lesson page by page in its temp root the way a board does (each
 // page saved as it is finished, the lesson packed now and then) and says on

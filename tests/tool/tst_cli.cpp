@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How "lxdoc" behaves as a command-line tool: path forms, standard streams,
 // outputs it replaces, usage errors, signals, and what it prints for scripts.
 #include <QDir>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lessons made to hurt their reader: nested beyond reason, names holding
 // terminal controls, paths longer than the system allows, and two packs at
 // once. Every input is generated here; every case looks only at exit

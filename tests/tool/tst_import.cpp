@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // lxdoc import: PDF pages and pictures become locked full-page images, in
 // order, and a failure leaves no archive behind.
 #include <QDir>

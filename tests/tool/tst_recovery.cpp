@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bringing lessons back: working folders of hosts killed at known moments,
 // damaged archives, and lesson folders repaired in place. Every case runs
 // the real tool and looks at exit status, output and files.

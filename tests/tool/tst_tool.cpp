@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command-line host, run as a user runs it: every case works on files in
 // a temporary folder and looks only at exit status, output and files.
 #include <QCryptographicHash>

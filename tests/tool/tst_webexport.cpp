@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // lxdoc export --html: the web lesson holds every page in order with its
 // words as text, keeps to its folder, and a real browser draws each page
 // as lxdoc render does.

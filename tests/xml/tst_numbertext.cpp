@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "xml/numbertext.h"
 
 #include <QRandomGenerator>

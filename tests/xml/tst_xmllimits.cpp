@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Deep or attribute-laden XML: refused at load in linear time, before QDom
 // builds anything, and a deep tree built in memory still writes out in
 // linear size without exhausting the stack.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The archive plug-in on its own, loaded as the document loads it.
 
 #include "../../src/document/archivetool.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "archivesession.h"
 
 bool ArchiveSession::isLoaded() const

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "checkcommand.h"
 
 #include "commandline.h"

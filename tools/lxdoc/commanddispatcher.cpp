@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "commanddispatcher.h"
 
 #include "checkcommand.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "democommand.h"
 
 #include "commandline.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "democontent.h"
 
 #include <QImage>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "demolesson.h"
 
 #include "democontent.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "demopage.h"
 
 #include "demopainter.h"

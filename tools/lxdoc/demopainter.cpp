@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "demopainter.h"
 
 #include <QImage>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "demoshapewriter.h"
 
 #include "handle.h"

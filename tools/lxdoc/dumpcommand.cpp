@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "dumpcommand.h"
 
 #include "commandline.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "filetree.h"
 
 #include "console.h"

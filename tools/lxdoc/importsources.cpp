@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "importsources.h"
 
 #include "pdffile.h"

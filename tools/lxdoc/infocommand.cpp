@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "infocommand.h"
 
 #include "commandline.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lessonchecker.h"
 
 #include "console.h"

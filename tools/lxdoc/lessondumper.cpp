@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lessondumper.h"
 
 #include "console.h"

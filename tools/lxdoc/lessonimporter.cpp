@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lessonimporter.h"
 
 #include "console.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lessoninfo.h"
 
 #include "lessonpages.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lessonoutput.h"
 
 #include "lessonsource.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lessonpages.h"
 
 #include "xmlfilecheck.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lessonrenderer.h"
 
 #include "console.h"

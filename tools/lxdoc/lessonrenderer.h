@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #ifndef LXDOC_TOOL_LESSONRENDERER_H
 #define LXDOC_TOOL_LESSONRENDERER_H
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lessonrepair.h"
 
 #include "filetree.h"

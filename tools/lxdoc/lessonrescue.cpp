@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lessonrescue.h"
 
 #include "filetree.h"

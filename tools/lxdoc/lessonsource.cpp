@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lessonsource.h"
 
 #include "archivesession.h"

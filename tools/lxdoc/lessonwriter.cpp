@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "lessonwriter.h"
 
 #include "lessonsource.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "commanddispatcher.h"
 #include "console.h"
 #include "privatetemp.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "manifestreader.h"
 
 #include "document/lessonpath.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "markupfilter.h"
 
 #include "svgnumbers.h"

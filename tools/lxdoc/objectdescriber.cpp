@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "objectdescriber.h"
 
 #include "handle.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "packcommand.h"
 
 #include "archivesession.h"

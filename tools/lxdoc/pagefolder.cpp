@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pagefolder.h"
 
 #include "console.h"

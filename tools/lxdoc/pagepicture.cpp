@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pagepicture.h"
 
 #include "document/lessonpath.h"

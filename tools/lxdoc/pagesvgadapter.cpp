@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pagesvgadapter.h"
 
 #include "linemarkers.h"

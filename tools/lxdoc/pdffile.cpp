@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "pdffile.h"
 
 #include <QtGlobal>

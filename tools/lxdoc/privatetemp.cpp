@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "privatetemp.h"
 
 #include "console.h"

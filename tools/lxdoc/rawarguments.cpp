@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "rawarguments.h"
 
 #include <sys/stat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "recovercommand.h"
 
 #include "commandline.h"

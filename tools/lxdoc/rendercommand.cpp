@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "rendercommand.h"
 
 #include "commandline.h"

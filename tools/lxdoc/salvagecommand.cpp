@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "salvagecommand.h"
 
 #include "commandline.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "salvagereader.h"
 
 #include "console.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "strokeends.h"
 
 #include "svgnumbers.h"

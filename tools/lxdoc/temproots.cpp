@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "temproots.h"
 
 #include "document/temproot.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "treeprinter.h"
 
 #include <QJsonArray>

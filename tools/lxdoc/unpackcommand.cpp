@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "unpackcommand.h"
 
 #include "commandline.h"

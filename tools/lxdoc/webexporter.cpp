@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "webexporter.h"
 
 #include "console.h"

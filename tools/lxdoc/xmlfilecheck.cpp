@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "xmlfilecheck.h"
 
 #include "document/lessonpath.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Stand-ins for "ziplib.so" that fail in one way each. Every call is appended
 // to the file named by FAKE_ZIPLIB_LOG, loading and unloading included, so a
 // test sees the order of calls and that the library went away after one use.

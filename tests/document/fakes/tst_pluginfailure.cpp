@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the document copes with an archive plug-in that is missing or fails.
 // Built once per case into a folder of its own, beside the fake "ziplib.so"
 // of that case (none for the missing plug-in).

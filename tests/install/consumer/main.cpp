@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host of the installed library, through get_interface() alone.
 //   consumer ARCHIVE          make a lesson, pack it, open it twice at once, check it
 //   consumer --no-app ARCHIVE the same without an application object
