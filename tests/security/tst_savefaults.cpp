@@ -180,6 +180,16 @@ private:
     bool m_set = false;
 };
 
+// A small file system mounted for one test, detached however it ends.
+struct Unmount {
+    QString point;
+    ~Unmount()
+    {
+        if (!point.isEmpty())
+            ::umount2(QFile::encodeName(point).constData(), MNT_DETACH);
+    }
+};
+
 } // namespace
 
 class TestSaveFaults : public QObject {
@@ -227,14 +237,7 @@ void TestSaveFaults::saveIntoUnwritable()
     QLXDocument *document = new QLXDocument;
     document->init(QString(), false);
     QVERIFY(document->newFile(QString(), true));
-    struct Unmount {
-        QString point;
-        ~Unmount()
-        {
-            if (!point.isEmpty())
-                ::umount2(QFile::encodeName(point).constData(), MNT_DETACH);
-        }
-    } unmount;
+    Unmount unmount;
     if (fault == QLatin1String("full")) {
         if (::mount("tmpfs", QFile::encodeName(target).constData(), "tmpfs", 0, "size=1m") != 0) {
             document->release(false);
@@ -367,14 +370,7 @@ void TestSaveFaults::packOnFullDisk()
     QString shelf = dir.path() + QStringLiteral("/shelf");
     QVERIFY(QDir().mkpath(shelf));
 
-    struct Unmount {
-        QString point;
-        ~Unmount()
-        {
-            if (!point.isEmpty())
-                ::umount2(QFile::encodeName(point).constData(), MNT_DETACH);
-        }
-    } unmount;
+    Unmount unmount;
     if (limit == QLatin1String("tmpfs")) {
         if (::mount("tmpfs", QFile::encodeName(shelf).constData(), "tmpfs", 0, "size=1m") != 0)
             QSKIP("mounting a small tmpfs needs privileges this run does not have");

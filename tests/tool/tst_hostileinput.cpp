@@ -171,7 +171,7 @@ private slots:
         QTest::newRow("record with 100,000 attributes")
             << kOnePage << kPage << "<record class=\"page\"><create" + attributes + "/></record>"
             << "page1.mtrec: an element has more than";
-        QTest::newRow("manifest not XML") << QByteArray("PK\x03\x04\x00\x00 not a manifest", 24) << kPage << kRecord
+        QTest::newRow("manifest not XML") << QByteArray("PK\x03\x04\x00\x00 not a manifest", 21) << kPage << kRecord
                                           << "manifest.xml: not well-formed XML";
     }
 
@@ -197,6 +197,11 @@ private slots:
             }
             if (arguments.first() == QLatin1String("info") && finding.startsWith(QLatin1String("page1.mtrec")))
                 QVERIFY2(result.out.contains(QLatin1String("recording cannot be read")), qPrintable(what));
+            // A refused recording is no empty one.
+            if (arguments.first() == QLatin1String("dump") && finding.startsWith(QLatin1String("page1.mtrec"))) {
+                QCOMPARE(result.status, 1);
+                QVERIFY2(result.err.contains(QLatin1String("recording (page1.mtrec) cannot be read")), qPrintable(what));
+            }
         }
     }
 

@@ -30,10 +30,8 @@ bool LessonDumper::dump(int page, QJsonArray *result, QString *error) const
     for (int index = first; index <= last; ++index) {
         Console::progress(index - first + 1, last - first + 1, QStringLiteral("reading pages"));
         QJsonObject node;
-        if (!dumpPage(index, &node)) {
-            *error = m_pages.pageFailure(index);
+        if (!dumpPage(index, &node, error))
             return false;
-        }
         result->append(node);
     }
     Console::endProgress();
@@ -60,12 +58,14 @@ QStringList LessonDumper::treeLines(const QJsonArray &pages)
     return lines;
 }
 
-bool LessonDumper::dumpPage(int index, QJsonObject *node) const
+bool LessonDumper::dumpPage(int index, QJsonObject *node, QString *error) const
 {
     int id = 0;
     const Handle<ILXFrontPage> page = m_pages.page(index, &id);
-    if (!page)
+    if (!page) {
+        *error = m_pages.pageFailure(index);
         return false;
+    }
     QString title;
     page->getPageTitle(title);
     QSize size;
@@ -76,8 +76,14 @@ bool LessonDumper::dumpPage(int index, QJsonObject *node) const
     node->insert(QStringLiteral("width"), size.width());
     node->insert(QStringLiteral("height"), size.height());
     node->insert(QStringLiteral("objects"), objects(page.get()));
-    if (m_records)
-        node->insert(QStringLiteral("commands"), commands(id));
+    if (m_records) {
+        QJsonArray list;
+        if (!commands(id, &list)) {
+            *error = QStringLiteral("page %1: its recording (page%2.mtrec) cannot be read").arg(index + 1).arg(id);
+            return false;
+        }
+        node->insert(QStringLiteral("commands"), list);
+    }
     return true;
 }
 
@@ -89,13 +95,17 @@ QJsonArray LessonDumper::objects(ILXFrontPage *page) const
     return result;
 }
 
-QJsonArray LessonDumper::commands(int id) const
+bool LessonDumper::commands(int id, QJsonArray *result) const
 {
-    QJsonArray result;
     const Handle<ILXRecordPage> record = m_pages.record(id);
     if (!record)
-        return result;
+        return true;
+    // A recording the library refused has no root, so no class: it is not
+    // an empty one.
+    QString recordClass;
+    if (!record->getClass(recordClass))
+        return false;
     for (Handle<ILXCmd> command(record->getFirstLXCmd()); command; command.reset(record->getNextLXCmd()))
-        result.append(ObjectDescriber::command(command.get()));
-    return result;
+        result->append(ObjectDescriber::command(command.get()));
+    return true;
 }

@@ -21,9 +21,10 @@ public:
     static QStringList treeLines(const QJsonArray &pages);
 
 private:
-    bool dumpPage(int index, QJsonObject *node) const;
+    bool dumpPage(int index, QJsonObject *node, QString *error) const;
     QJsonArray objects(ILXFrontPage *page) const;
-    QJsonArray commands(int id) const;
+    // False when the page has a recording the library cannot read.
+    bool commands(int id, QJsonArray *result) const;
 
     const LessonPages &m_pages;
     bool m_records = false;
