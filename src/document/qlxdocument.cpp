@@ -335,7 +335,13 @@ QString QLXDocument::getTempPath()
 }
 
 // Only release() cleans up; destroying the object leaves the disk alone.
-QLXDocument::~QLXDocument() = default;
+// A host ends a document with release(); one deleted otherwise (a test, a
+// host of our own) still lets go of what it holds, and writes nothing.
+QLXDocument::~QLXDocument()
+{
+    releaseResMgr();
+    m_manifest.closeFile(false);
+}
 
 // A single level is made, never missing parents. Without subfolders the
 // result is false even though the folder was made; callers ignore it.

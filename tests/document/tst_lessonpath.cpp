@@ -2,7 +2,6 @@
 #include "document/lessonpath.h"
 #include "document/qlxdocument.h"
 #include "ilxfrontpage.h"
-#include "ilxresmgr.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -11,21 +10,6 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
-
-namespace {
-
-// These documents work on the shared lesson in place, which release() would
-// delete; their resource manager is ended by hand when the test leaves.
-struct ResourcesEnded {
-    QLXDocument *document;
-    ~ResourcesEnded()
-    {
-        if (ILXResMgr *resources = document->getLXResMgr())
-            resources->release();
-    }
-};
-
-} // namespace
 
 class TestLessonPath : public QObject {
     Q_OBJECT
@@ -159,7 +143,6 @@ void TestLessonPath::documentReadsOnlyInside()
     QElapsedTimer timer;
     timer.start();
     QLXDocument document;
-    const ResourcesEnded ended{&document};
     QVERIFY(document.openDocument(m_lesson));
     int id = -1;
     QCOMPARE(document.getPageByIndex(0, id), nullptr);
@@ -176,7 +159,6 @@ void TestLessonPath::newPageNeverFollowsLink()
     const QString target = m_root.filePath(QStringLiteral("planted.svg"));
     QVERIFY(QFile::link(target, m_lesson + QStringLiteral("/page7.svg")));
     QLXDocument document;
-    const ResourcesEnded ended{&document};
     QVERIFY(document.openDocument(m_lesson));
     QTest::ignoreMessage(QtWarningMsg, "open XML file error!");
     ILXFrontPage *const page = document.getPageById(7);
