@@ -11,6 +11,7 @@
 #include "ilxrecordpage.h"
 #include "ilxresmgr.h"
 #include "linecapstyle.h"
+#include "lxarchivecheck.h"
 #include "lxarchivelimits.h"
 #include "lxdoc_export.h"
 #include "pageformat.h"

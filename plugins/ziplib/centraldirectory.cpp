@@ -263,6 +263,7 @@ bool CentralDirectory::parseRecord(const QByteArray &directory, int *at, Record 
     if ((flags & Utf8Flag) && !FsUtil::isValidUtf8(raw))
         return fail(QStringLiteral("an entry name is not valid UTF-8: ") + FsUtil::nameText(raw));
     record->name = (flags & Utf8Flag) ? raw : legacyName(raw, extra, u16(directory, start + 4) >> 8);
+    record->crc = u32(directory, start + 16);
     record->compressed = u32(directory, start + 20);
     record->size = u32(directory, start + 24);
     record->offset = u32(directory, start + 42);

@@ -20,6 +20,7 @@ class CentralDirectory {
 public:
     struct Record {
         QByteArray name; // UTF-8, as stored or decoded from CP437
+        quint32 crc = 0; // CRC-32 of the unpacked bytes
         quint64 compressed = 0;
         quint64 size = 0;
         quint64 offset = 0;

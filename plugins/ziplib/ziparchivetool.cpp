@@ -4,6 +4,7 @@
 #include "atomicfile.h"
 #include "centraldirectory.h"
 #include "document/archivelimits.h"
+#include "document/savelock.h"
 #include "fsutil.h"
 #include "stagingfolder.h"
 #include "zipextractor.h"
@@ -108,7 +109,14 @@ bool ZipArchiveTool::pack(const QString &folder, const QString &archive)
         return fail(file.errorString());
     const LXArchiveLimits limits = ArchiveLimits::current();
     ZipWriter writer(limits.ratioCheckedFrom);
-    const auto ownFile = [&file](const struct stat &info) { return file.isOwnFile(info.st_dev, info.st_ino); };
+    // A save holds its lock file beside the archive while it packs; an
+    // archive kept inside the folder it packs must not take that file along.
+    struct stat lock;
+    const bool locked = ::stat(QFile::encodeName(SaveLock::lockFileName(archive)).constData(), &lock) == 0;
+    const auto ownFile = [&file, &lock, locked](const struct stat &info) {
+        return file.isOwnFile(info.st_dev, info.st_ino)
+            || (locked && info.st_dev == lock.st_dev && info.st_ino == lock.st_ino);
+    };
     if (!writer.open(file.fd()) || !writer.addTree(source.get(), ownFile) || !writer.close())
         return fail(writer.errorString());
     // What is packed here must unpack again: an archive the unpacker would

@@ -116,6 +116,20 @@ QString ArchivePlugin::errorString() const
     return m_error;
 }
 
+bool ArchivePlugin::verify(const QString &archive, const QString &folder, QString *reason) const
+{
+    const auto check = m_tool ? reinterpret_cast<ArchiveVerifierFunction>(dlsym(m_handle, "verify_archive")) : nullptr;
+    QString why;
+    const bool same = check ? check(&archive, &folder, &why) : false;
+    if (!check)
+        why = m_tool ? QStringLiteral("the archive plug-in cannot check archives") : m_error;
+    // A deep copy: text the plug-in made from a literal lives in its image,
+    // which is unmapped when the plug-in is unloaded.
+    if (reason)
+        *reason = same ? QString() : QString(why.constData(), why.size());
+    return same;
+}
+
 void ArchivePlugin::unload()
 {
     if (m_handle)

@@ -21,6 +21,9 @@ public:
     // errorString() says why.
     ArchiveTool *tool() const;
     QString errorString() const;
+    // Whether the archive holds exactly the folder as it is now; when not,
+    // reason says why (the plug-in's own text, or why it could not answer).
+    bool verify(const QString &archive, const QString &folder, QString *reason) const;
 
 private:
     void unload();

@@ -25,6 +25,10 @@ protected:
 // The plug-in's only export, unmangled: a new tool, or null.
 extern "C" {
 typedef ArchiveTool *(*ArchiveToolFactory)();
+// Optional export "verify_archive": whether the archive holds exactly the
+// folder as it is now, with the reason when not. A plug-in without it
+// cannot answer, and the loader says so.
+typedef bool (*ArchiveVerifierFunction)(const QString *archive, const QString *folder, QString *reason);
 }
 
 #endif

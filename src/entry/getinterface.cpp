@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "document/archivecheck.h"
 #include "document/archivelimits.h"
 #include "document/qlxdocument.h"
 #include "lxdoc.h"
@@ -19,4 +20,9 @@ LXArchiveLimits lxdoc_archive_limits()
 void lxdoc_set_archive_limits(const LXArchiveLimits *limits)
 {
     ArchiveLimits::set(limits ? *limits : ArchiveLimits::defaults());
+}
+
+bool lxdoc_verify_archive(ILXDocument *document, const QString &archive, QString *reason)
+{
+    return ArchiveCheck::verify(document, archive, reason);
 }

@@ -3,6 +3,7 @@
 // stops a pack (a folder that cannot be written, a full disk, the process
 // killed half way), the previous archive stays complete, or the new one is.
 
+#include "document/archivecheck.h"
 #include "document/qlxdocument.h"
 #include "document/savelock.h"
 
@@ -199,6 +200,8 @@ private slots:
     void initTestCase();
     void saveIntoUnwritable_data();
     void saveIntoUnwritable();
+    void verifyAfterSave_data();
+    void verifyAfterSave();
     void concurrentSaves_data();
     void concurrentSaves();
     void packOnFullDisk_data();
@@ -215,20 +218,23 @@ void TestSaveFaults::initTestCase()
 void TestSaveFaults::saveIntoUnwritable_data()
 {
     QTest::addColumn<QString>("fault");
-    QTest::newRow("read-only folder") << "read-only";
-    QTest::newRow("parent is a file") << "parent-file";
-    QTest::newRow("target is a folder") << "target-folder";
-    QTest::newRow("folder missing") << "missing";
-    QTest::newRow("empty name") << "empty";
-    QTest::newRow("disk fills while writing") << "full";
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("read-only folder") << "read-only" << "the archive lacks \"images/edit.txt\"";
+    QTest::newRow("parent is a file") << "parent-file" << "cannot open the archive: Not a directory";
+    QTest::newRow("target is a folder") << "target-folder" << "the archive is not a file";
+    QTest::newRow("folder missing") << "missing" << "cannot open the archive: No such file or directory";
+    QTest::newRow("empty name") << "empty" << "no archive named";
+    QTest::newRow("disk fills while writing") << "full" << "the archive lacks \"images/edit.txt\"";
 }
 
 // saveFile through the document: the packing fails, the message says so,
-// the save still counts (kept on purpose), and the archive saved before is
-// untouched.
+// the save still counts (kept on purpose), the archive saved before is
+// untouched, and asking the archive tells the host that the save did not
+// take.
 void TestSaveFaults::saveIntoUnwritable()
 {
     QFETCH(QString, fault);
+    QFETCH(QString, reason);
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     const QString target = dir.path() + QStringLiteral("/shelf");
@@ -249,6 +255,11 @@ void TestSaveFaults::saveIntoUnwritable()
     QVERIFY(document->saveFile(archive, true));
     QVERIFY(unzipTests(archive));
     const QByteArray before = fileHash(archive);
+    QString found = QStringLiteral("unset");
+    QVERIFY2(ArchiveCheck::verify(document, archive, &found), qPrintable(found));
+    QVERIFY(found.isEmpty());
+    // The lesson changed since, so the old archive is not what this save asks for.
+    writeFile(document->getDocPath() + QStringLiteral("/images/edit.txt"), "edited");
 
     std::unique_ptr<ImmutableFolder> immutable;
     if (fault == QLatin1String("read-only")) {
@@ -284,6 +295,8 @@ void TestSaveFaults::saveIntoUnwritable()
 
     QTest::ignoreMessage(QtWarningMsg, "zip folder failed");
     QVERIFY2(document->saveFile(archive, true), "a failed packing is reported by its message only");
+    QVERIFY(!ArchiveCheck::verify(document, archive, &found));
+    QCOMPARE(found, reason);
     immutable.reset();
     QFile::setPermissions(target, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
 
@@ -299,6 +312,58 @@ void TestSaveFaults::saveIntoUnwritable()
     expected.sort();
     QCOMPARE(QDir(target).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), expected);
     QVERIFY(!QFileInfo::exists(dir.path() + QStringLiteral("/nowhere")));
+    document->release(false);
+}
+
+void TestSaveFaults::verifyAfterSave_data()
+{
+    QTest::addColumn<QString>("change");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("as saved") << "none" << "";
+    QTest::newRow("archive inside the working folder") << "inside" << "";
+    QTest::newRow("file edited, same size") << "edit" << "\"page1.svg\" differs from the working folder";
+    QTest::newRow("file added") << "add" << "the archive lacks \"images/new.png\"";
+    QTest::newRow("folder added") << "folder" << "the archive lacks \"images/more/\"";
+    QTest::newRow("file removed") << "remove" << "the archive holds \"page1.svg\", which the working folder does not";
+    QTest::newRow("archive cut short") << "truncate" << "not a complete archive";
+    QTest::newRow("archive replaced by text") << "text" << "not a complete archive";
+    QTest::newRow("archive deleted") << "delete" << "cannot open the archive: No such file or directory";
+}
+
+// A save that took answers true until the folder or the archive changes.
+void TestSaveFaults::verifyAfterSave()
+{
+    QFETCH(QString, change);
+    QFETCH(QString, reason);
+    QTemporaryDir dir;
+    QLXDocument *document = new QLXDocument;
+    document->init(QString(), false);
+    QVERIFY(document->newFile(QString(), true));
+    const QString folder = document->getDocPath();
+    writeFile(folder + QStringLiteral("/page1.svg"), "<svg/>");
+    const QString archive = change == QLatin1String("inside") ? folder + QStringLiteral("/saved.lzn")
+                                                              : dir.path() + QStringLiteral("/lesson.lzn");
+    QVERIFY(document->saveFile(archive, true));
+
+    QFile file(archive);
+    if (change == QLatin1String("edit"))
+        writeFile(folder + QStringLiteral("/page1.svg"), "<svG/>");
+    else if (change == QLatin1String("add"))
+        writeFile(folder + QStringLiteral("/images/new.png"), "png");
+    else if (change == QLatin1String("folder"))
+        QVERIFY(QDir().mkpath(folder + QStringLiteral("/images/more")));
+    else if (change == QLatin1String("remove"))
+        QVERIFY(QFile::remove(folder + QStringLiteral("/page1.svg")));
+    else if (change == QLatin1String("truncate"))
+        QVERIFY(file.resize(file.size() - 10));
+    else if (change == QLatin1String("text"))
+        writeFile(archive, "not an archive");
+    else if (change == QLatin1String("delete"))
+        QVERIFY(file.remove());
+
+    QString found = QStringLiteral("unset");
+    QVERIFY2(ArchiveCheck::verify(document, archive, &found) == reason.isEmpty(), qPrintable(found));
+    QVERIFY2(reason.isEmpty() ? found.isEmpty() : found.startsWith(reason), qPrintable(found));
     document->release(false);
 }
 

@@ -36,9 +36,14 @@ bool LessonOutput::write(ILXDocument *document, QString *reason) const
         return false;
     }
     const QString packed = temp.filePath(QStringLiteral("lesson.lzn"));
-    // A failed packing still reports success; the archive tells.
-    if (!document->saveFile(packed, true) || QFileInfo(packed).size() == 0) {
+    if (!document->saveFile(packed, true)) {
         *reason = QStringLiteral("packing failed (is ziplib.so beside lxdoc?)");
+        return false;
+    }
+    // A failed packing still reports success; the archive tells.
+    QString why;
+    if (!lxdoc_verify_archive(document, packed, &why)) {
+        *reason = QStringLiteral("packing failed: ") + why;
         return false;
     }
     if (!isUsable(reason))

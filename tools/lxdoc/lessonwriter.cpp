@@ -56,9 +56,12 @@ QString LessonWriter::scratchFile(const QString &name) const
 bool LessonWriter::finish()
 {
     const QString packed = scratchFile(QFileInfo(m_archive).fileName());
-    // A failed packing still reports success; the archive tells.
-    if (!document()->saveFile(packed, true) || QFileInfo(packed).size() == 0)
+    if (!document()->saveFile(packed, true))
         return fail(QStringLiteral("packing failed (is ziplib.so beside lxdoc?)"));
+    // A failed packing still reports success; the archive tells.
+    QString reason;
+    if (!lxdoc_verify_archive(document(), packed, &reason))
+        return fail(QStringLiteral("packing failed: ") + reason);
     if (m_output->publish(packed))
         return true;
     // Already one whole line naming the archive.
