@@ -2,6 +2,7 @@
 #include "document/qlxdocument.h"
 
 #include "document/archiveplugin.h"
+#include "document/folderremover.h"
 #include "document/lessonpath.h"
 #include "document/savelock.h"
 #include "document/temproot.h"
@@ -358,24 +359,16 @@ bool QLXDocument::createFolder(const QString &path, bool makeSubfolders)
     return true;
 }
 
-// Failures on the way are ignored. Hidden files and links to files are not
-// listed and stay (so their folder stays too); links to folders are followed.
+// Failures on the way are ignored. Hidden entries, links and special files
+// are left (so their folder stays too). A link to a folder is not descended
+// into: deleting a working folder must never reach files that live outside
+// it. A lesson may hold paths longer than the system allows, so the tree is
+// taken apart through folder descriptors rather than by path.
 bool QLXDocument::removeFolder(const QString &path, bool removeSelf)
 {
     if (path.isEmpty())
         return false;
-    QDir dir(path);
-    // A link to a folder is not descended into: deleting a working folder
-    // must never reach files that live outside it.
-    const QStringList subfolders =
-        dir.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks, QDir::NoSort);
-    for (const QString &name : subfolders)
-        removeFolder(QStringLiteral("%1/%2").arg(dir.absolutePath(), name), true);
-    const QFileInfoList files = dir.entryInfoList(QStringList(QStringLiteral("*")), QDir::Files | QDir::NoSymLinks);
-    for (const QFileInfo &file : files)
-        QFile::remove(file.absoluteFilePath());
-    if (removeSelf)
-        dir.rmdir(path);
+    FolderRemover(FolderRemover::VisibleFilesAndFolders).remove(QFile::encodeName(path), removeSelf);
     return true;
 }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "document/folderremover.h"
 #include "document/scopeddocument.h"
 #include "idrawpage.h"
 #include "ilxfrontpage.h"
@@ -13,6 +14,12 @@
 #include <QPixmap>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <climits>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -75,6 +82,51 @@ public:
         return result;
     }
 };
+
+// A chain of folders whose full path is longer than the system allows, made
+// one level at a time below the root; each level holds a file, the deepest
+// one also the given hidden file, if any.
+bool makeDeepChain(const QString &root, int levels, const char *hidden)
+{
+    const QByteArray name(200, 'd');
+    int fd = ::open(QFile::encodeName(root).constData(), O_RDONLY | O_DIRECTORY);
+    for (int level = 0; fd >= 0 && level < levels; ++level) {
+        const int file = ::openat(fd, "page.svg", O_WRONLY | O_CREAT, 0644);
+        const bool made = file >= 0 && ::close(file) == 0 && ::mkdirat(fd, name.constData(), 0755) == 0;
+        const int child = made ? ::openat(fd, name.constData(), O_RDONLY | O_DIRECTORY) : -1;
+        ::close(fd);
+        fd = child;
+    }
+    const int file = fd >= 0 && hidden ? ::openat(fd, hidden, O_WRONLY | O_CREAT, 0644) : 0;
+    if (fd >= 0)
+        ::close(fd);
+    return fd >= 0 && file >= 0 && (!hidden || ::close(file) == 0);
+}
+
+// The entries left along the chain, level by level, to its end.
+QStringList chainLeft(const QString &root)
+{
+    QStringList left;
+    int fd = ::open(QFile::encodeName(root).constData(), O_RDONLY | O_DIRECTORY);
+    while (fd >= 0) {
+        DIR *const dir = ::fdopendir(::dup(fd));
+        QByteArray folder;
+        while (const dirent *entry = dir ? ::readdir(dir) : nullptr) {
+            const QByteArray name(entry->d_name);
+            if (name == "." || name == "..")
+                continue;
+            left << QString::fromLatin1(name.size() > 20 ? QByteArray("d") : name);
+            if (entry->d_type == DT_DIR)
+                folder = name;
+        }
+        if (dir)
+            ::closedir(dir);
+        const int child = folder.isEmpty() ? -1 : ::openat(fd, folder.constData(), O_RDONLY | O_DIRECTORY);
+        ::close(fd);
+        fd = child;
+    }
+    return left;
+}
 
 } // namespace
 
@@ -143,6 +195,35 @@ private slots:
         QVERIFY(QFile::remove(root + "/.hidden") && QFile::remove(root + "/c/.hidden"));
         QVERIFY(doc->removeFolder(root, true));
         QCOMPARE(entries(root), QStringList({"dirlink", "filelink"}));
+    }
+
+    void removeDeepFolder_data()
+    {
+        QTest::addColumn<QByteArray>("hidden");
+        QTest::addColumn<bool>("removeSelf");
+        QTest::addColumn<QStringList>("left");
+        QTest::newRow("everything goes") << QByteArray() << true << QStringList();
+        QTest::newRow("contents only") << QByteArray() << false << QStringList();
+        // The hidden file keeps the folders above it, and only those.
+        QTest::newRow("hidden file at the bottom")
+            << QByteArray(".keep") << true << (QStringList() << QStringList(40, "d") << ".keep");
+    }
+
+    void removeDeepFolder()
+    {
+        QFETCH(QByteArray, hidden);
+        QFETCH(bool, removeSelf);
+        QFETCH(QStringList, left);
+        const QString root = tmp("deep");
+        QVERIFY(QDir().mkpath(root));
+        QVERIFY(makeDeepChain(root, 40, hidden.isEmpty() ? nullptr : hidden.constData()));
+        QVERIFY(40 * 201 > PATH_MAX);
+        ScopedDocument doc;
+        QVERIFY(doc->removeFolder(root, removeSelf));
+        QCOMPARE(QFileInfo::exists(root), !removeSelf || !left.isEmpty());
+        QCOMPARE(chainLeft(root), left);
+        FolderRemover(FolderRemover::Everything).remove(QFile::encodeName(root), true);
+        QVERIFY(!QFileInfo::exists(root));
     }
 
     void newFile()

@@ -1,51 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "privatefolder.h"
 
+#include "document/folderremover.h"
+
 #include <QFile>
-#include <QVector>
 
+#include <cstdio>
 #include <cstdlib>
-#include <dirent.h>
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-namespace {
-
-int openFolderAt(int parent, const char *name)
-{
-    return ::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-}
-
-// Removes the files of the folder at fd and gives the name of one subfolder
-// left in it, or an empty name when there is none.
-QByteArray clearFiles(int fd)
-{
-    const int listing = ::dup(fd);
-    DIR *const dir = listing >= 0 ? ::fdopendir(listing) : nullptr;
-    if (!dir) {
-        if (listing >= 0)
-            ::close(listing);
-        return QByteArray();
-    }
-    QByteArray subfolder;
-    while (const dirent *entry = ::readdir(dir)) {
-        const QByteArray name(entry->d_name);
-        if (name == "." || name == "..")
-            continue;
-        struct stat info;
-        if (::fstatat(fd, entry->d_name, &info, AT_SYMLINK_NOFOLLOW) != 0)
-            continue;
-        if (!S_ISDIR(info.st_mode))
-            ::unlinkat(fd, entry->d_name, 0);
-        else if (subfolder.isEmpty())
-            subfolder = name;
-    }
-    ::closedir(dir);
-    return subfolder;
-}
-
-} // namespace
 
 PrivateFolder::PrivateFolder(const QString &pattern)
 {
@@ -57,7 +20,7 @@ PrivateFolder::PrivateFolder(const QString &pattern)
 PrivateFolder::~PrivateFolder()
 {
     if (!m_path.isEmpty())
-        removeTree(m_path);
+        FolderRemover(FolderRemover::Everything).remove(m_path, true);
 }
 
 bool PrivateFolder::isValid() const
@@ -85,36 +48,4 @@ bool PrivateFolder::moveTo(const QString &target)
         return false;
     m_path.clear();
     return true;
-}
-
-// Depth first with one descriptor open at a time: down into the first
-// subfolder left, up through ".." once a folder is empty. Links are removed,
-// never followed.
-void PrivateFolder::removeTree(const QByteArray &path)
-{
-    int fd = ::open(path.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    QVector<QByteArray> names;
-    while (fd >= 0) {
-        const QByteArray subfolder = clearFiles(fd);
-        if (!subfolder.isEmpty()) {
-            const int child = openFolderAt(fd, subfolder.constData());
-            // A folder that cannot be entered stays, and with it its parents.
-            if (child < 0)
-                break;
-            ::close(fd);
-            fd = child;
-            names.append(subfolder);
-            continue;
-        }
-        if (names.isEmpty())
-            break;
-        const int parent = openFolderAt(fd, "..");
-        ::close(fd);
-        fd = parent;
-        if (fd >= 0 && ::unlinkat(fd, names.takeLast().constData(), AT_REMOVEDIR) != 0)
-            break;
-    }
-    if (fd >= 0)
-        ::close(fd);
-    ::rmdir(path.constData());
 }

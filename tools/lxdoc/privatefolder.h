@@ -6,9 +6,7 @@
 #include <QString>
 
 // A folder only this run uses, removed with everything in it when the
-// object goes, on every way out of a command. Removal works through folder
-// descriptors one level at a time, so a tree whose paths are longer than
-// the system allows (a lesson can hold one) goes too.
+// object goes, on every way out of a command, deep trees included.
 class PrivateFolder {
 public:
     // pattern ends in "XXXXXX", which becomes a unique part of the name.
@@ -22,8 +20,6 @@ public:
     QString filePath(const QString &name) const;
     // Renames the folder to target (a missing or empty folder) and lets it go.
     bool moveTo(const QString &target);
-
-    static void removeTree(const QByteArray &path);
 
 private:
     QByteArray m_path;

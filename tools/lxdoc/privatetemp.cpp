@@ -2,7 +2,7 @@
 #include "privatetemp.h"
 
 #include "console.h"
-#include "privatefolder.h"
+#include "document/folderremover.h"
 
 #include <QDir>
 #include <QFile>
@@ -100,7 +100,7 @@ PrivateTemp::~PrivateTemp()
     if (m_slot >= 0)
         g_used[m_slot].store(false);
     // Also trees deeper than a path can reach, which a lesson may hold.
-    PrivateFolder::removeTree(QFile::encodeName(m_path));
+    FolderRemover(FolderRemover::Everything).remove(QFile::encodeName(m_path), true);
 }
 
 bool PrivateTemp::isValid() const
@@ -154,6 +154,6 @@ void PrivateTemp::removeLeftovers()
         const QRegularExpressionMatch match = name.match(entry);
         const QByteArray path = QFile::encodeName(temp.filePath(entry));
         if (match.hasMatch() && isLeftover(path, match.captured(1).toLongLong(), true))
-            PrivateFolder::removeTree(path);
+            FolderRemover(FolderRemover::Everything).remove(path, true);
     }
 }
