@@ -170,8 +170,10 @@ void TestWebExport::browserMatchesRender()
     qInfo("page %d: %.3f%% of the pixels differ", page, share * 100);
     QVERIFY2(share < kMaxDifferentShare, qPrintable(QStringLiteral("%1% of the pixels differ").arg(share * 100)));
     // The whole lesson as a reader first sees it, kept for the documentation.
+    // The window holds the whole first page: headless Chromium leaves the
+    // top of the header unpainted in a screenshot of a page that scrolls.
     if (page == 1)
-        screenshot(index, QSize(1100, 860)).save(QStringLiteral(LXDOC_BIN_DIR "/web-lesson.png"));
+        screenshot(index, QSize(1100, 920)).save(QStringLiteral(LXDOC_BIN_DIR "/web-lesson.png"));
 }
 
 QTEST_MAIN(TestWebExport)
