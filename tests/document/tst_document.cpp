@@ -205,8 +205,10 @@ private slots:
         QTest::newRow("everything goes") << QByteArray() << true << QStringList();
         QTest::newRow("contents only") << QByteArray() << false << QStringList();
         // The hidden file keeps the folders above it, and only those.
-        QTest::newRow("hidden file at the bottom")
-            << QByteArray(".keep") << true << (QStringList() << QStringList(40, "d") << ".keep");
+        QStringList chain;
+        for (int level = 0; level < 40; ++level)
+            chain << "d";
+        QTest::newRow("hidden file at the bottom") << QByteArray(".keep") << true << (chain << ".keep");
     }
 
     void removeDeepFolder()
