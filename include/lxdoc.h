@@ -13,6 +13,7 @@
 #include "linecapstyle.h"
 #include "lxarchivelimits.h"
 #include "lxdoc_export.h"
+#include "lxreadlimits.h"
 #include "pageformat.h"
 #include "tagpagegrid.h"
 

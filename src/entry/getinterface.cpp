@@ -2,6 +2,7 @@
 #include "document/archivelimits.h"
 #include "document/qlxdocument.h"
 #include "lxdoc.h"
+#include "xml/readlimits.h"
 
 #include <new>
 
@@ -19,4 +20,14 @@ LXArchiveLimits lxdoc_archive_limits()
 void lxdoc_set_archive_limits(const LXArchiveLimits *limits)
 {
     ArchiveLimits::set(limits ? *limits : ArchiveLimits::defaults());
+}
+
+LXReadLimits lxdoc_read_limits()
+{
+    return ReadLimits::current();
+}
+
+void lxdoc_set_read_limits(const LXReadLimits *limits)
+{
+    ReadLimits::set(limits ? *limits : ReadLimits::defaults());
 }

@@ -45,8 +45,12 @@ bool LessonSource::open()
     // A non-empty path makes init a no-op: the tool never needs the shared
     // temp root beside the executable.
     m_document->init(m_folder, false);
-    if (!m_document->openDocument(m_folder))
-        return fail(QStringLiteral("its manifest.xml cannot be read"));
+    if (!m_document->openDocument(m_folder)) {
+        ManifestReader manifest;
+        manifest.load(QDir(m_folder).filePath(QStringLiteral("manifest.xml")));
+        const QString tooLong = manifest.pageLimitProblem();
+        return fail(tooLong.isEmpty() ? QStringLiteral("its manifest.xml cannot be read") : QStringLiteral("it ") + tooLong);
+    }
     return true;
 }
 
