@@ -6,6 +6,7 @@
 #include "filetree.h"
 #include "lessonpages.h"
 #include "privatetemp.h"
+#include "xmlfilecheck.h"
 
 #include <QDir>
 #include <QFile>
@@ -46,9 +47,13 @@ bool LessonSource::open()
     // temp root beside the executable.
     m_document->init(m_folder, false);
     if (!m_document->openDocument(m_folder)) {
+        // Only a manifest within the XML limits is read again to say why:
+        // one beyond them would make the stream reader slow.
+        const QString manifestName = QStringLiteral("manifest.xml");
         ManifestReader manifest;
-        manifest.load(QDir(m_folder).filePath(QStringLiteral("manifest.xml")));
-        const QString tooLong = manifest.pageLimitProblem();
+        const bool readable = XmlFileCheck::problem(m_folder, manifestName, QStringLiteral("manifest")).isEmpty()
+            && manifest.load(QDir(m_folder).filePath(manifestName));
+        const QString tooLong = readable ? manifest.pageLimitProblem() : QString();
         return fail(tooLong.isEmpty() ? QStringLiteral("its manifest.xml cannot be read") : QStringLiteral("it ") + tooLong);
     }
     return true;
