@@ -21,7 +21,7 @@ struct LXArchiveLimits {
 // The limits in force for this process; the defaults until a host sets others.
 extern "C" LXDOC_EXPORT LXArchiveLimits lxdoc_archive_limits();
 // Replaces the limits for every later pack and unpack of this process. A value
-// below 1 keeps the default for that field.
+// below 1 keeps the default for that field; null restores all the defaults.
 extern "C" LXDOC_EXPORT void lxdoc_set_archive_limits(const LXArchiveLimits *limits);
 
 #endif

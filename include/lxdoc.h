@@ -14,6 +14,7 @@
 #include "lxarchivecheck.h"
 #include "lxarchivelimits.h"
 #include "lxdoc_export.h"
+#include "lxreadlimits.h"
 #include "pageformat.h"
 #include "tagpagegrid.h"
 

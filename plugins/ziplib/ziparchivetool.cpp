@@ -5,13 +5,13 @@
 #include "centraldirectory.h"
 #include "document/archivelimits.h"
 #include "document/savelock.h"
+#include "document/temproot.h"
 #include "fsutil.h"
 #include "stagingfolder.h"
 #include "zipextractor.h"
 #include "zipwriter.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 #include <cerrno>
 #include <exception>
@@ -26,19 +26,23 @@ UniqueFd openFolder(const QString &folder)
     return UniqueFd(::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
-// A killed unpack leaves its staging folder inside a target that is then
-// given up (the next open of the same archive picks a new folder), so the
-// target's neighbours are looked at too.
-void removeStaleBeside(const QString &folder)
+// A killed unpack leaves its staging folder inside a working folder that is
+// then given up (the next open of the same archive picks a new folder), so
+// every working folder directly under a temp root is looked into: one level,
+// never deeper, and never the folders around a target elsewhere, which may
+// be anything of the user's. The target itself is cleared by the staging.
+void removeStaleUnderTempRoots()
 {
-    const UniqueFd parent = openFolder(QFileInfo(folder).absolutePath());
-    QList<QByteArray> names;
-    if (!parent.isValid() || !FsUtil::listDir(parent.get(), &names))
-        return;
-    for (const QByteArray &name : std::as_const(names)) {
-        const UniqueFd child = FsUtil::openDir(parent.get(), name);
-        if (child.isValid())
-            StagingFolder::removeStale(child.get());
+    for (const QString &root : TempRoot::places()) {
+        const UniqueFd parent = openFolder(root);
+        QList<QByteArray> names;
+        if (!parent.isValid() || !FsUtil::listDir(parent.get(), &names))
+            continue;
+        for (const QByteArray &name : std::as_const(names)) {
+            const UniqueFd child = FsUtil::openDir(parent.get(), name);
+            if (child.isValid())
+                StagingFolder::removeStale(child.get());
+        }
     }
 }
 
@@ -136,7 +140,7 @@ bool ZipArchiveTool::unpack(const QString &archive, const QString &folder)
     const UniqueFd target = openFolder(folder);
     if (!target.isValid())
         return fail(FsUtil::errnoText(QStringLiteral("cannot open the target folder"), errno));
-    removeStaleBeside(folder);
+    removeStaleUnderTempRoots();
     StagingFolder staging(target.get());
     if (!staging.create())
         return fail(staging.errorString());

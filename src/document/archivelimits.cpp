@@ -1,25 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "document/archivelimits.h"
 
-#include <QMutex>
+#include "xml/processlimits.h"
 
 namespace {
 
-QMutex &guard()
-{
-    static QMutex mutex;
-    return mutex;
-}
+using Shared = ProcessLimits<LXArchiveLimits>;
 
-LXArchiveLimits &stored()
+Shared &stored()
 {
-    static LXArchiveLimits limits = ArchiveLimits::defaults();
+    static Shared limits(ArchiveLimits::defaults());
     return limits;
-}
-
-long long chosen(long long wanted, long long fallback)
-{
-    return wanted >= 1 ? wanted : fallback;
 }
 
 } // namespace
@@ -33,15 +24,13 @@ LXArchiveLimits ArchiveLimits::defaults()
 
 LXArchiveLimits ArchiveLimits::current()
 {
-    const QMutexLocker lock(&guard());
-    return stored();
+    return stored().get();
 }
 
 void ArchiveLimits::set(const LXArchiveLimits &limits)
 {
     const LXArchiveLimits fallback = defaults();
-    const QMutexLocker lock(&guard());
-    stored() = LXArchiveLimits{chosen(limits.maxEntries, fallback.maxEntries),
-                               chosen(limits.maxRatio, fallback.maxRatio),
-                               chosen(limits.ratioCheckedFrom, fallback.ratioCheckedFrom)};
+    stored().set(LXArchiveLimits{Shared::chosen(limits.maxEntries, fallback.maxEntries),
+                                 Shared::chosen(limits.maxRatio, fallback.maxRatio),
+                                 Shared::chosen(limits.ratioCheckedFrom, fallback.ratioCheckedFrom)});
 }

@@ -10,6 +10,7 @@
 #include "manifest/qlxresmgr.h"
 #include "page/qlxfrontpage.h"
 #include "record/qlxrecordpage.h"
+#include "xml/readlimits.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,8 +18,11 @@
 #include <QPixmap>
 
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -38,6 +42,27 @@ QString recordPageName(int id)
 int pageIdFromName(QString name)
 {
     return name.remove(QStringLiteral("page")).remove(QStringLiteral(".svg")).toInt();
+}
+
+// A folder opened in place may hold a link named like the preview: the
+// picture goes to a new file of its own beside it, which then replaces the
+// name itself. A failure leaves the old preview and nothing else.
+void writePreview(const QPixmap &pixmap, const QString &path)
+{
+    QByteArray temporary = QFile::encodeName(path) + ".XXXXXX";
+    const int fd = ::mkstemp(temporary.data());
+    if (fd < 0)
+        return;
+    ::fchmod(fd, 0644);
+    QFile file;
+    const bool opened = file.open(fd, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle);
+    if (!opened)
+        ::close(fd);
+    bool written = opened && pixmap.save(&file, "PNG", -1);
+    file.close();
+    written = written && ::rename(temporary.constData(), QFile::encodeName(path).constData()) == 0;
+    if (!written)
+        ::unlink(temporary.constData());
 }
 
 } // namespace
@@ -119,6 +144,10 @@ bool QLXDocument::openDocument(const QString &folder)
     createFolder(folder, true);
     if (!m_manifest.loadManifestFile(QStringLiteral("%1/%2").arg(folder, QLatin1String(kManifestName))))
         return false;
+    if (!withinPageLimit()) {
+        m_manifest.closeFile(false);
+        return false;
+    }
     releaseResMgr();
     m_resMgr = new QLXResMgr(&m_manifest, m_path);
     return true;
@@ -175,7 +204,7 @@ bool QLXDocument::savePage(IDrawPage *page, int index, unsigned int flags, bool 
         QPixmap pixmap(size);
         page->renderPreview(&pixmap, size, 0);
         const QString separator = m_path.endsWith(QLatin1Char('/')) ? QString() : QStringLiteral("/");
-        pixmap.save(m_path + separator + QLatin1String("preview.png"), "PNG", -1);
+        writePreview(pixmap, m_path + separator + QLatin1String("preview.png"));
     }
     return page->savePageTo(this, index, flags);
 }
@@ -383,6 +412,21 @@ bool QLXDocument::openOtherTypeFile(const QString &path)
 QString QLXDocument::pagePath(const QString &name) const
 {
     return QStringLiteral("%1/%2").arg(m_path, name);
+}
+
+// A lesson beyond the read limit is refused as a whole, like a manifest that
+// does not parse: a host that walks every page of a manifest listing one
+// file a million times would read that file a million times. The records
+// list follows the pages list, so it is held to the same number.
+bool QLXDocument::withinPageLimit()
+{
+    const int limit = ReadLimits::current().maxPages;
+    QStringList records;
+    m_manifest.getResourceList(records, QStringLiteral("records"));
+    if (m_manifest.getPagesList().size() <= limit && records.size() <= limit)
+        return true;
+    qWarning("Lesson has more pages than the limit of %d!", limit);
+    return false;
 }
 
 bool QLXDocument::hasDocument() const

@@ -48,6 +48,7 @@ public:
 private:
     QString pagePath(const QString &name) const;
     bool hasDocument() const;
+    bool withinPageLimit();
     void releaseResMgr();
     static QString unpackFolderFor(const QString &first, int counter);
     QString claimUnpackFolder(const QFileInfo &archive);

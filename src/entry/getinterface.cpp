@@ -3,6 +3,7 @@
 #include "document/archivelimits.h"
 #include "document/qlxdocument.h"
 #include "lxdoc.h"
+#include "xml/readlimits.h"
 
 #include <new>
 
@@ -25,4 +26,14 @@ void lxdoc_set_archive_limits(const LXArchiveLimits *limits)
 bool lxdoc_verify_archive(ILXDocument *document, const QString &archive, QString *reason)
 {
     return ArchiveCheck::verify(document, archive, reason);
+}
+
+LXReadLimits lxdoc_read_limits()
+{
+    return ReadLimits::current();
+}
+
+void lxdoc_set_read_limits(const LXReadLimits *limits)
+{
+    ReadLimits::set(limits ? *limits : ReadLimits::defaults());
 }

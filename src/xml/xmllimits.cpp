@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "xml/xmllimits.h"
 
+#include "xml/readlimits.h"
+
 #include <QXmlStreamReader>
 
 namespace {
@@ -16,6 +18,8 @@ public:
 
     XmlLimits::Verdict run()
     {
+        const int maxDepth = XmlLimits::maxDepth();
+        const int maxAttributes = XmlLimits::maxAttributes();
         int depth = 0;
         qsizetype i = 0;
         while ((i = find(i, "<")) < m_size) {
@@ -33,9 +37,9 @@ public:
             } else {
                 int attributes = 0;
                 const qsizetype end = tagEnd(i + 1, &attributes);
-                if (attributes > XmlLimits::MaxAttributes)
+                if (attributes > maxAttributes)
                     return XmlLimits::TooManyAttributes;
-                if (at(end - 1) != u'/' && ++depth > XmlLimits::MaxDepth)
+                if (at(end - 1) != u'/' && ++depth > maxDepth)
                     return XmlLimits::TooDeep;
                 i = end + 1;
             }
@@ -112,13 +116,15 @@ private:
 // The parser's own view, entities expanded, once no tag can make it slow.
 XmlLimits::Verdict streamCheck(QXmlStreamReader &reader)
 {
+    const int maxDepth = XmlLimits::maxDepth();
+    const int maxAttributes = XmlLimits::maxAttributes();
     int depth = 0;
     while (!reader.atEnd()) {
         switch (reader.readNext()) {
         case QXmlStreamReader::StartElement:
-            if (++depth > XmlLimits::MaxDepth)
+            if (++depth > maxDepth)
                 return XmlLimits::TooDeep;
-            if (reader.attributes().size() > XmlLimits::MaxAttributes)
+            if (reader.attributes().size() > maxAttributes)
                 return XmlLimits::TooManyAttributes;
             break;
         case QXmlStreamReader::EndElement:
@@ -153,6 +159,16 @@ QString fromUtf16(const QByteArray &data)
 }
 
 } // namespace
+
+int XmlLimits::maxDepth()
+{
+    return ReadLimits::current().maxXmlDepth;
+}
+
+int XmlLimits::maxAttributes()
+{
+    return ReadLimits::current().maxXmlAttributes;
+}
 
 XmlLimits::Verdict XmlLimits::check(const QByteArray &data)
 {

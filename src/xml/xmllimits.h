@@ -9,12 +9,12 @@
 // it. QDom builds the whole tree before anyone can look at it, frees it by
 // recursion and checks repeated attributes in quadratic time, so the text is
 // measured first, in linear time, and anything beyond these limits never
-// reaches it. A lesson nests a handful of levels and its elements carry a
-// few dozen attributes at most.
+// reaches it. The numbers are the process's read limits (ReadLimits), which
+// a host may raise.
 class XmlLimits {
 public:
-    static const int MaxDepth = 256;
-    static const int MaxAttributes = 256;
+    static int maxDepth();
+    static int maxAttributes();
 
     enum Verdict { Within, TooDeep, TooManyAttributes };
 

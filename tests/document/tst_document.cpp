@@ -8,8 +8,10 @@
 #include "manifest/manifestreader.h"
 #include "manifest/qmanifest.h"
 #include "testsupport.h"
+#include "xml/readlimits.h"
 
 #include <QDirIterator>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QPixmap>
 #include <QTemporaryDir>
@@ -52,6 +54,22 @@ QStringList pageNames(std::initializer_list<int> ids, const char *pattern = "pag
     for (const int id : ids)
         names << QString::fromLatin1(pattern).arg(id);
     return names;
+}
+
+// A manifest with every list, pages and recordings numbered from 1 (or all
+// naming page 1), and extra markup after the lists.
+QByteArray lessonManifest(int pages, int records, const QByteArray &extra = QByteArray(), bool oneFile = false)
+{
+    QByteArray text = "<manifest identifier=\"lzn\" version=\"6.0.0\"><resource identifier=\"pages\">";
+    for (int i = 1; i <= pages; ++i)
+        text += "<file href=\"page" + QByteArray::number(oneFile ? 1 : i) + ".svg\"/>";
+    text += "</resource><resource identifier=\"records\">";
+    for (int i = 1; i <= records; ++i)
+        text += "<file href=\"page" + QByteArray::number(i) + ".mtrec\"/>";
+    text += "</resource>";
+    for (const char *list : {"images", "sounds", "flashes", "avmedia", "fillblocks", "attachments"})
+        text += "<resource identifier=\"" + QByteArray(list) + "\"/>";
+    return text + extra + "</manifest>";
 }
 
 QStringList listed(const QString &folder, const QString &identifier)
@@ -393,9 +411,12 @@ private slots:
         QTest::addColumn<QString>("suffix");
         QTest::addColumn<bool>("preview");
         QTest::addColumn<bool>("result");
-        QTest::newRow("preview") << "" << true << true;
-        QTest::newRow("path ending in slash") << "/" << true << false;
-        QTest::newRow("no preview") << "" << false << true;
+        QTest::addColumn<QString>("planted"); // "preview.png" is a link to this file outside
+        QTest::newRow("preview") << "" << true << true << "";
+        QTest::newRow("path ending in slash") << "/" << true << false << "";
+        QTest::newRow("no preview") << "" << false << true << "";
+        QTest::newRow("preview name a link to a file outside") << "" << true << true << "victim.png";
+        QTest::newRow("preview name a dangling link") << "" << true << true << "missing.png";
     }
 
     void savePage()
@@ -403,9 +424,12 @@ private slots:
         QFETCH(QString, suffix);
         QFETCH(bool, preview);
         QFETCH(bool, result);
+        QFETCH(QString, planted);
         ScopedDocument doc;
         const QString folder = tmp("save");
         QVERIFY(doc->newFile(folder + suffix, true));
+        QVERIFY(writeFile(tmp("victim.png"), "precious"));
+        QVERIFY(planted.isEmpty() || QFile::link(tmp(planted), folder + "/preview.png"));
         FakeDrawPage page;
         page.result = result;
         QCOMPARE(doc->savePage(&page, 3, 0x81u, preview), result);
@@ -414,6 +438,67 @@ private slots:
         const QImage image(folder + "/preview.png");
         QCOMPARE(image.isNull(), !preview);
         QVERIFY(!preview || (image.size() == QSize(100, 75) && image.pixelColor(50, 40) == QColor(Qt::red)));
+        // The link itself is replaced; nothing is written through it or left beside it.
+        QVERIFY(!QFileInfo(folder + "/preview.png").isSymLink());
+        QCOMPARE(readBytes(tmp("victim.png")), QByteArray("precious"));
+        QVERIFY(!QFileInfo::exists(tmp("missing.png")));
+        QCOMPARE(entries(folder), withSubfolders(preview ? QStringList{"manifest.xml", "preview.png"} : QStringList{"manifest.xml"}));
+    }
+
+    void readLimits_data()
+    {
+        QTest::addColumn<QByteArray>("manifest");
+        QTest::addColumn<QList<int>>("limits"); // depth, attributes, pages; 0 keeps the default
+        QTest::addColumn<int>("pages");          // -1: the lesson does not open
+        QTest::addColumn<QString>("warning");
+        const QList<int> defaults{0, 0, 0};
+        const QString tooLong = "Lesson has more pages than the limit of %1!";
+        const QByteArray deep = QByteArray("<x>").repeated(300) + QByteArray("</x>").repeated(300);
+        QByteArray wide = "<x";
+        for (int i = 0; i < 300; ++i)
+            wide += " a" + QByteArray::number(i) + "=\"1\"";
+        wide += "/>";
+        QTest::newRow("2,000 pages") << lessonManifest(2000, 2000) << defaults << 2000 << "";
+        QTest::newRow("pages at the limit") << lessonManifest(10000, 10000) << defaults << 10000 << "";
+        QTest::newRow("one page beyond") << lessonManifest(10001, 0) << defaults << -1 << tooLong.arg(10000);
+        QTest::newRow("one recording beyond") << lessonManifest(1, 10001) << defaults << -1 << tooLong.arg(10000);
+        QTest::newRow("20,000 entries naming one file")
+            << lessonManifest(20000, 0, QByteArray(), true) << defaults << -1 << tooLong.arg(10000);
+        QTest::newRow("20,000 entries naming one file, limit raised")
+            << lessonManifest(20000, 0, QByteArray(), true) << QList<int>{0, 0, 20000} << 20000 << "";
+        QTest::newRow("limit lowered") << lessonManifest(11, 0) << QList<int>{0, 0, 10} << -1 << tooLong.arg(10);
+        QTest::newRow("300 levels") << lessonManifest(1, 1, deep) << defaults << -1 << "XML nested too deep!";
+        QTest::newRow("300 levels, depth raised") << lessonManifest(1, 1, deep) << QList<int>{512, 0, 0} << 1 << "";
+        QTest::newRow("300 attributes") << lessonManifest(1, 1, wide) << defaults << -1
+                                        << "XML element with too many attributes!";
+        QTest::newRow("300 attributes, raised") << lessonManifest(1, 1, wide) << QList<int>{0, 300, 0} << 1 << "";
+    }
+
+    // A lesson beyond a read limit does not open and its manifest stays as it
+    // was; a host that raised the limit opens it.
+    void readLimits()
+    {
+        QFETCH(QByteArray, manifest);
+        QFETCH(QList<int>, limits);
+        QFETCH(int, pages);
+        QFETCH(QString, warning);
+        const QString folder = tmp("limits");
+        QVERIFY(QDir().mkpath(folder) && writeFile(folder + "/manifest.xml", manifest));
+        if (!warning.isEmpty())
+            QTest::ignoreMessage(QtWarningMsg, qPrintable(warning));
+        if (warning.startsWith("XML"))
+            QTest::ignoreMessage(QtWarningMsg, "cann't load the xml file!");
+        ReadLimits::set(LXReadLimits{limits.at(0), limits.at(1), limits.at(2)});
+        QElapsedTimer timer;
+        timer.start();
+        ScopedDocument doc;
+        const bool opened = doc->openDocument(folder);
+        ReadLimits::set(ReadLimits::defaults());
+        QCOMPARE(opened, pages >= 0);
+        QCOMPARE(doc->getPagesCount(), qMax(pages, 0));
+        QCOMPARE(readBytes(folder + "/manifest.xml"), manifest);
+        // Only catches a reader that does not end; speed is measured in bench/.
+        QVERIFY2(timer.elapsed() < 20000, qPrintable(QString::number(timer.elapsed())));
     }
 
     void roundTripThroughTheArchive()

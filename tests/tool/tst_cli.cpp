@@ -193,6 +193,10 @@ void TestCli::usageErrors_data()
     QTest::newRow("optional argument") << QStringList{"demo", "a.lzn", "b.lzn"} << "demo: expected 0 or 1 argument, got 2" << "lxdoc demo [options] [FILE]";
     QTest::newRow("one argument") << QStringList{"info"} << "info: expected 1 argument, got 0" << "lxdoc info [options] FILE";
     QTest::newRow("two arguments") << QStringList{"pack", "x"} << "pack: expected 2 arguments, got 1" << "lxdoc pack [options] FOLDER FILE";
+    QTest::newRow("limit not a number") << QStringList{"--limits", "pages=many", "info", "x"}
+                                        << "--limits: 'pages=many' is not NAME=NUMBER with a known name and a positive number "
+                                           "(names: pages, depth, attributes, entries, ratio)"
+                                        << "lxdoc COMMAND [options] ARGS";
     QTest::newRow("unknown option") << QStringList{"-q", "check", "--fast", "x"} << "check: Unknown option 'fast'." << "lxdoc check [options] FILE";
 }
 

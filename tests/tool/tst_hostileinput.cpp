@@ -171,6 +171,9 @@ private slots:
         QTest::newRow("record with 100,000 attributes")
             << kOnePage << kPage << "<record class=\"page\"><create" + attributes + "/></record>"
             << "page1.mtrec: an element has more than";
+        QTest::newRow("20,000 pages naming one file")
+            << manifest(QByteArray("<file href=\"page1.svg\"/>").repeated(20000), "") << kPage << kRecord
+            << "manifest.xml: lists 20000 pages, more than the limit of 10000";
         QTest::newRow("manifest not XML") << QByteArray("PK\x03\x04\x00\x00 not a manifest", 21) << kPage << kRecord
                                           << "manifest.xml: not well-formed XML";
     }
@@ -185,9 +188,13 @@ private slots:
         const QString lesson = path(QStringLiteral("deep"));
         QVERIFY(QDir(lesson).removeRecursively());
         QVERIFY(writeLesson(lesson, manifestText, page, record));
+        const QString pictures = path(QStringLiteral("deep-render"));
         for (const QStringList &arguments : {QStringList{QStringLiteral("dump"), QStringLiteral("--json"), QStringLiteral("--records")},
-                                             QStringList{QStringLiteral("info")}, QStringList{QStringLiteral("check")}}) {
-            const Run result = run(arguments + QStringList{lesson});
+                                             QStringList{QStringLiteral("info")}, QStringList{QStringLiteral("check")},
+                                             QStringList{QStringLiteral("render")}}) {
+            QVERIFY(QDir(pictures).removeRecursively());
+            const bool render = arguments.first() == QLatin1String("render");
+            const Run result = run(arguments + QStringList{lesson} + (render ? QStringList{pictures} : QStringList()));
             const QString what = arguments.first() + QStringLiteral(": ") + result.out.left(300) + result.err;
             QVERIFY2(result.finished, qPrintable(what));
             QVERIFY2(result.ms < 20000, qPrintable(QStringLiteral("%1 took %2 ms").arg(arguments.first()).arg(result.ms)));
@@ -195,8 +202,20 @@ private slots:
                 QCOMPARE(result.status, 1);
                 QVERIFY2(result.out.contains(finding), qPrintable(what));
             }
+            // Refused as a whole, by every command, with the limit named.
+            if (finding.contains(QLatin1String("than the limit of")) && arguments.first() != QLatin1String("check")) {
+                QCOMPARE(result.status, 1);
+                QVERIFY2(result.err.contains(finding.section(QStringLiteral(": "), 1)), qPrintable(what));
+            }
             if (arguments.first() == QLatin1String("info") && finding.startsWith(QLatin1String("page1.mtrec")))
                 QVERIFY2(result.out.contains(QLatin1String("recording cannot be read")), qPrintable(what));
+            // Raised, the limit lets the lesson be read, the file once.
+            if (finding.contains(QLatin1String("than the limit of")) && arguments.first() == QLatin1String("check")) {
+                const Run raised = run({QStringLiteral("--limits=pages=20000"), QStringLiteral("check"), lesson});
+                QVERIFY2(raised.finished && raised.ms < 20000, qPrintable(raised.err));
+                QCOMPARE(raised.out.count(QLatin1String("'page1.svg' is listed more than once")), 1);
+                QVERIFY2(!raised.out.contains(QLatin1String("than the limit of")), qPrintable(raised.out));
+            }
             // A refused recording is no empty one.
             if (arguments.first() == QLatin1String("dump") && finding.startsWith(QLatin1String("page1.mtrec"))) {
                 QCOMPARE(result.status, 1);

@@ -483,7 +483,7 @@ private slots:
         QTest::newRow("archive temporary, owner gone") << "store/.a.lzn.%1.x1.tmp" << false;
         QTest::newRow("archive temporary, owner alive") << "store/.a.lzn.%1.x1.tmp" << true;
         QTest::newRow("staging in the target, owner gone") << "target/lesson/.unpack-%1-x1/page1.svg" << false;
-        QTest::newRow("staging beside the target, owner gone") << "target/lesson0/.unpack-%1-x1/page1.svg" << false;
+        QTest::newRow("staging in another working folder, owner gone") << "target/lesson0/.unpack-%1-x1/page1.svg" << false;
         QTest::newRow("staging, owner alive") << "target/lesson0/.unpack-%1-x1/page1.svg" << true;
     }
 
@@ -501,8 +501,13 @@ private slots:
         QVERIFY(QDir().mkpath(QFileInfo(path).path()) && QDir().mkpath(dir.filePath("target/lesson"))
                 && QDir().mkpath(dir.filePath("store")));
         QVERIFY(writeFile(path, "left"));
+        // The working folders of hosts lie under the temp root.
+        const QByteArray root = qgetenv("LXDOC_TEMP_ROOT");
+        qputenv("LXDOC_TEMP_ROOT", QFile::encodeName(dir.filePath("target")));
         QVERIFY(pack(m_source, dir.filePath("store/a.lzn")));
-        QVERIFY(unpack(m_lesson, dir.filePath("target/lesson")));
+        const bool unpacked = unpack(m_lesson, dir.filePath("target/lesson"));
+        qputenv("LXDOC_TEMP_ROOT", root);
+        QVERIFY(unpacked);
         QCOMPARE(QFileInfo::exists(path), ownerAlive);
     }
 

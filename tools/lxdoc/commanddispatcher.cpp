@@ -8,6 +8,7 @@
 #include "exportcommand.h"
 #include "importcommand.h"
 #include "infocommand.h"
+#include "limitoption.h"
 #include "packcommand.h"
 #include "recovercommand.h"
 #include "rendercommand.h"
@@ -63,28 +64,36 @@ bool isOneOf(const QString &argument, std::initializer_list<const char *> names)
     return false;
 }
 
-// -q and -v mean the same for every command, wherever they stand before "--".
-QStringList takeLevelFlags(const QStringList &arguments)
+// -q, -v and --limits mean the same for every command, wherever they stand
+// before "--". False with a reason for limits that cannot be used.
+bool takeCommonOptions(const QStringList &arguments, QStringList *rest, QString *error)
 {
-    QStringList rest;
     bool flags = true;
-    for (const QString &argument : arguments) {
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString &argument = arguments.at(i);
         flags = flags && argument != QLatin1String("--");
         if (flags && isOneOf(argument, {"-q", "--quiet"}))
             Console::setLevel(Console::Quiet);
         else if (flags && isOneOf(argument, {"-v", "--verbose"}))
             Console::setLevel(Console::Verbose);
-        else
-            rest << argument;
+        else if (flags && (argument == QLatin1String("--limits") || argument.startsWith(QLatin1String("--limits=")))) {
+            const QString value = argument.size() > 8 ? argument.mid(9) : arguments.value(++i);
+            if (!LimitOption::apply(value, error))
+                return false;
+        } else
+            *rest << argument;
     }
-    return rest;
+    return true;
 }
 
 } // namespace
 
 int CommandDispatcher::run(const QStringList &given) const
 {
-    const QStringList arguments = takeLevelFlags(given);
+    QStringList arguments;
+    QString error;
+    if (!takeCommonOptions(given, &arguments, &error))
+        return Console::usage(error, QLatin1String(kUsage));
     const QString name = arguments.value(1);
     if (name.isEmpty())
         return showOverview(ExitUsage);
@@ -119,9 +128,12 @@ int CommandDispatcher::showOverview(int status)
     lines << QStringLiteral("\nOptions for every command:\n"
                             "  -q, --quiet    show only results and errors\n"
                             "  -v, --verbose  also show warnings from Qt and the document library\n"
+                            "  --limits LIST  raise the reading limits, e.g. pages=20000,depth=512\n"
+                            "                 (in force: %1)\n"
                             "  --version      show the version\n\n"
                             "FILE is a lesson archive (.lzn, .resitem) or an unpacked lesson folder; '-' reads an\n"
-                            "archive from the standard input. 'lxdoc COMMAND --help' describes a command.");
+                            "archive from the standard input. 'lxdoc COMMAND --help' describes a command.")
+                 .arg(LimitOption::describe());
     // Asked for, the overview is the result; without a command it is a usage error.
     if (status == ExitOk)
         Console::out(lines.join(QLatin1Char('\n')));

@@ -22,6 +22,10 @@ CommandLine::CommandLine(const QString &command, const QString &description)
                                           QStringLiteral("Show only results and errors: no progress, no summary lines.")));
     m_parser.addOption(QCommandLineOption({QStringLiteral("v"), QStringLiteral("verbose")},
                                           QStringLiteral("Also show warnings from Qt and the document library.")));
+    m_parser.addOption(QCommandLineOption(QStringLiteral("limits"),
+                                          QStringLiteral("Raise the reading limits: pages, depth, attributes, entries, ratio "
+                                                         "(e.g. pages=20000,depth=512)."),
+                                          QStringLiteral("LIST")));
 }
 
 void CommandLine::addArgument(const QString &name, const QString &description, bool optional)

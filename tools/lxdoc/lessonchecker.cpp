@@ -32,6 +32,11 @@ void LessonChecker::run()
     }
     ManifestReader manifest;
     manifest.load(QDir(m_folder).filePath(kManifest));
+    const QString tooLong = manifest.pageLimitProblem();
+    if (!tooLong.isEmpty()) {
+        m_problems << QStringLiteral("%1: %2, so the library refuses it").arg(kManifest, tooLong);
+        return;
+    }
     checkPageFiles(manifest, QStringLiteral("pages"), QStringLiteral("svg"));
     checkPageFiles(manifest, QStringLiteral("records"), QStringLiteral("record"));
     checkResources(manifest);
@@ -57,9 +62,14 @@ void LessonChecker::checkPageFiles(const ManifestReader &manifest, const QString
     }
     const QStringList entries = manifest.list(list);
     checkDuplicates(entries, list);
+    // A file listed twice is read once: its duplicates are a finding already.
+    QSet<QString> checked;
     for (int i = 0; i < entries.size(); ++i) {
         Console::progress(i + 1, int(entries.size()), QStringLiteral("checking %1").arg(list));
         const QString &entry = entries.at(i);
+        if (checked.contains(entry))
+            continue;
+        checked.insert(entry);
         const QString problem = xmlProblem(entry, root);
         if (!problem.isEmpty())
             m_problems << QStringLiteral("%1: %2 (listed in '%3')").arg(entry, problem, list);
@@ -100,7 +110,8 @@ void LessonChecker::checkUnlistedResources(const QSet<QString> &listed)
 
 void LessonChecker::checkUnlistedPages(const ManifestReader &manifest)
 {
-    const QStringList listed = manifest.list(QStringLiteral("pages")) + manifest.list(QStringLiteral("records"));
+    const QStringList names = manifest.list(QStringLiteral("pages")) + manifest.list(QStringLiteral("records"));
+    const QSet<QString> listed(names.cbegin(), names.cend());
     const QStringList present = QDir(m_folder).entryList({QStringLiteral("page*.svg"), QStringLiteral("page*.mtrec")},
                                                          QDir::Files, QDir::Name);
     // Deleting a page leaves its files behind on purpose; packing keeps them.
@@ -116,9 +127,12 @@ void LessonChecker::checkUnlistedPages(const ManifestReader &manifest)
 void LessonChecker::checkDuplicates(const QStringList &entries, const QString &list)
 {
     QSet<QString> seen;
+    QSet<QString> reported;
     for (const QString &entry : entries) {
-        if (seen.contains(entry))
+        if (seen.contains(entry) && !reported.contains(entry)) {
             m_problems << QStringLiteral("%1: '%2' is listed more than once in '%3'").arg(kManifest, entry, list);
+            reported.insert(entry);
+        }
         seen.insert(entry);
     }
 }

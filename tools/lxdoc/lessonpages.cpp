@@ -10,6 +10,8 @@ LessonPages::LessonPages(ILXDocument *document, const QString &folder)
     , m_folder(folder)
 {
     m_manifest.load(QDir(folder).filePath(QStringLiteral("manifest.xml")));
+    const QStringList records = m_manifest.list(QStringLiteral("records"));
+    m_records = QSet<QString>(records.cbegin(), records.cend());
 }
 
 int LessonPages::count() const
@@ -24,7 +26,7 @@ Handle<ILXFrontPage> LessonPages::page(int index, int *id) const
 
 Handle<ILXRecordPage> LessonPages::record(int id) const
 {
-    if (!m_manifest.list(QStringLiteral("records")).contains(QStringLiteral("page%1.mtrec").arg(id)))
+    if (!m_records.contains(QStringLiteral("page%1.mtrec").arg(id)))
         return nullptr;
     return Handle<ILXRecordPage>(m_document->getRecPageById(id));
 }

@@ -5,6 +5,8 @@
 #include "handle.h"
 #include "manifestreader.h"
 
+#include <QSet>
+
 // The pages of an open lesson in document order, with their recordings.
 class LessonPages {
 public:
@@ -30,6 +32,7 @@ private:
     ILXDocument *m_document;
     QString m_folder;
     ManifestReader m_manifest;
+    QSet<QString> m_records;
 };
 
 #endif

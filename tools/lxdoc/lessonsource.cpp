@@ -6,6 +6,7 @@
 #include "filetree.h"
 #include "lessonpages.h"
 #include "privatetemp.h"
+#include "xmlfilecheck.h"
 
 #include <QDir>
 #include <QFile>
@@ -45,8 +46,16 @@ bool LessonSource::open()
     // A non-empty path makes init a no-op: the tool never needs the shared
     // temp root beside the executable.
     m_document->init(m_folder, false);
-    if (!m_document->openDocument(m_folder))
-        return fail(QStringLiteral("its manifest.xml cannot be read"));
+    if (!m_document->openDocument(m_folder)) {
+        // Only a manifest within the XML limits is read again to say why:
+        // one beyond them would make the stream reader slow.
+        const QString manifestName = QStringLiteral("manifest.xml");
+        ManifestReader manifest;
+        const bool readable = XmlFileCheck::problem(m_folder, manifestName, QStringLiteral("manifest")).isEmpty()
+            && manifest.load(QDir(m_folder).filePath(manifestName));
+        const QString tooLong = readable ? manifest.pageLimitProblem() : QString();
+        return fail(tooLong.isEmpty() ? QStringLiteral("its manifest.xml cannot be read") : QStringLiteral("it ") + tooLong);
+    }
     return true;
 }
 

@@ -2,6 +2,7 @@
 #include "manifestreader.h"
 
 #include "document/lessonpath.h"
+#include "xml/readlimits.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -70,6 +71,18 @@ bool ManifestReader::hasList(const QString &identifier) const
 QStringList ManifestReader::list(const QString &identifier) const
 {
     return m_lists.value(identifier);
+}
+
+QString ManifestReader::pageLimitProblem() const
+{
+    const int limit = ReadLimits::current().maxPages;
+    const int pages = int(list(QStringLiteral("pages")).size());
+    const int records = int(list(QStringLiteral("records")).size());
+    if (pages > limit)
+        return QStringLiteral("lists %1 pages, more than the limit of %2").arg(pages).arg(limit);
+    if (records > limit)
+        return QStringLiteral("lists %1 recordings, more than the limit of %2 pages").arg(records).arg(limit);
+    return QString();
 }
 
 QStringList ManifestReader::resourceKinds()

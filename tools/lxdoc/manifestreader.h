@@ -19,6 +19,9 @@ public:
     QString rootName() const;
     bool hasList(const QString &identifier) const;
     QStringList list(const QString &identifier) const;
+    // Why the library refuses to open the lesson for its length: "lists
+    // 20000 pages, more than the limit of 10000"; empty within the limit.
+    QString pageLimitProblem() const;
 
     // The resource lists, in the order a person reads them.
     static QStringList resourceKinds();

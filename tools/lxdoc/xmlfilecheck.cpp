@@ -19,9 +19,9 @@ QString XmlFileCheck::problem(const QString &folder, const QString &name, const 
     // Measured first, as the library does before it builds a tree.
     switch (XmlLimits::check(data)) {
     case XmlLimits::TooDeep:
-        return QStringLiteral("nested deeper than %1 levels, so the library refuses it").arg(XmlLimits::MaxDepth);
+        return QStringLiteral("nested deeper than %1 levels, so the library refuses it").arg(XmlLimits::maxDepth());
     case XmlLimits::TooManyAttributes:
-        return QStringLiteral("an element has more than %1 attributes, so the library refuses it").arg(XmlLimits::MaxAttributes);
+        return QStringLiteral("an element has more than %1 attributes, so the library refuses it").arg(XmlLimits::maxAttributes());
     default:
         break;
     }
