@@ -192,7 +192,7 @@ QString fromUtf16(const QByteArray &data)
 bool declaresOtherEncoding(const QByteArray &data)
 {
     const int start = data.startsWith("\xEF\xBB\xBF") ? 3 : 0;
-    if (data.indexOf("<?xml", start) != start)
+    if (data.size() < start + 5 || qstrncmp(data.constData() + start, "<?xml", 5) != 0)
         return false;
     const QByteArray declaration = data.mid(start, data.indexOf("?>", start) - start);
     const int name = declaration.indexOf("encoding");
