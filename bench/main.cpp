@@ -23,6 +23,9 @@ Measurements::Options parseOptions(const QCommandLineParser &parser)
     const double scale = parser.value(QStringLiteral("scale")).toDouble();
     if (scale > 0)
         options.shape.pages = qMax(1, int(std::lround(options.shape.pages * scale)));
+    const int light = parser.value(QStringLiteral("light")).toInt();
+    if (light > 0)
+        options.shape = LessonShape::light(light, options.shape.seed);
     options.runs = smoke ? 1 : qMax(1, parser.value(QStringLiteral("runs")).toInt());
     if (parser.isSet(QStringLiteral("runs")))
         options.runs = qMax(1, parser.value(QStringLiteral("runs")).toInt());
@@ -53,6 +56,8 @@ int main(int argc, char *argv[])
          QStringLiteral("5")},
         {QStringLiteral("smoke"), QStringLiteral("A tiny lesson and one run, for CTest.")},
         {QStringLiteral("no-growth"), QStringLiteral("Leave out the growth table.")},
+        {QStringLiteral("light"), QStringLiteral("Main table on n light pages (walk memory at scale)."),
+         QStringLiteral("n")},
         {QStringLiteral("strokes-only"), QStringLiteral("Only the stroke length table.")},
     });
     QCommandLineOption walk(QStringLiteral("measure-walk"), QString(), QStringLiteral("archive"));

@@ -425,7 +425,7 @@ void Measurements::printMain(QTextStream &out, const QList<Figures> &runs, const
         m_unzip.isEmpty() ? QStringLiteral("unzip missing") : QStringLiteral("unzip -q"),
         medianOf(runs, &Figures::unzip), 1.0);
     row(QStringLiteral("open + read pages (ms)"), medianOf(runs, &Figures::read), QStringLiteral("QDom parse"),
-        medianOf(runs, &Figures::parse), 1.3);
+        medianOf(runs, &Figures::parse), 1.15);
     row(QStringLiteral("save edited pages (ms)"), medianOf(runs, &Figures::save), QStringLiteral("QDom save"),
         medianOf(runs, &Figures::plainSave), 1.3);
     const auto kib = [](qint64 value) { return value < 0 ? -1.0 : double(value); };

@@ -8,9 +8,9 @@
 
 namespace {
 
-const char *const kClassAttribute = "class";
-const char *const kTransformAttribute = "transform";
-const char *const kGraphicsIdAttribute = "gid";
+const QString kClassAttribute = QStringLiteral("class");
+const QString kTransformAttribute = QStringLiteral("transform");
+const QString kGraphicsIdAttribute = QStringLiteral("gid");
 
 // Sizes are stored in the point-list syntax, width where x stands.
 QList<QPointF> sizesAsPoints(const QList<QSizeF> &sizes)
@@ -52,12 +52,12 @@ void QLXCmd::release()
 
 bool QLXCmd::setClass(const QString &cls)
 {
-    return writeText(QString::fromLatin1(kClassAttribute), cls);
+    return writeText(kClassAttribute, cls);
 }
 
 bool QLXCmd::getClass(QString &cls)
 {
-    return readText(QString::fromLatin1(kClassAttribute), cls);
+    return readText(kClassAttribute, cls);
 }
 
 // An empty list is refused so that an existing "gid" survives a host that
@@ -66,7 +66,7 @@ bool QLXCmd::setListGraphicsId(const QList<int> &ids)
 {
     if (ids.isEmpty())
         return false;
-    return writeText(QString::fromLatin1(kGraphicsIdAttribute), NumberText::intsText(ids));
+    return writeText(kGraphicsIdAttribute, NumberText::intsText(ids));
 }
 
 // The ids are appended to what the caller passes in, unlike getIntList: hosts
@@ -74,7 +74,7 @@ bool QLXCmd::setListGraphicsId(const QList<int> &ids)
 bool QLXCmd::getListGraphicsId(QList<int> &ids)
 {
     QString text;
-    if (!readText(QString::fromLatin1(kGraphicsIdAttribute), text))
+    if (!readText(kGraphicsIdAttribute, text))
         return false;
     NumberText::appendInts(ids, text);
     return true;
@@ -140,13 +140,13 @@ bool QLXCmd::setTransform(QPointF pos, QSizeF scale, float angle, bool flipH, bo
     QString text;
     if (!QPropertyTransfer::transformQt2Svg(pos, scale, angle, flipH, flipV, centre, text))
         return false;
-    return writeText(QString::fromLatin1(kTransformAttribute), text);
+    return writeText(kTransformAttribute, text);
 }
 
 bool QLXCmd::getTransform(QPointF &pos, QSizeF &scale, float &angle, bool &flipH, bool &flipV)
 {
     QString text;
-    if (!readText(QString::fromLatin1(kTransformAttribute), text))
+    if (!readText(kTransformAttribute, text))
         return false;
     return QPropertyTransfer::transformSvg2Qt(text, pos, scale, angle, flipH, flipV);
 }

@@ -125,43 +125,53 @@ qsizetype pieceCount(QStringView text, char16_t sep)
     return count;
 }
 
+// Appends the decimal digits at p to digits and returns where they end. More
+// than 19 digits wrap around, but those are refused by the caller anyway.
+const char16_t *readDigits(const char16_t *p, const char16_t *end, quint64 &digits)
+{
+    quint64 value = digits;
+    for (; p < end; ++p) {
+        const unsigned digit = unsigned(*p) - u'0';
+        if (digit > 9)
+            break;
+        value = value * 10 + digit;
+    }
+    digits = value;
+    return p;
+}
+
 // Plain decimals of at most 15 digits ("-123.45") starting at i and ending
-// at a ',' or ' ' or the end, where i is left. The digits fit a double
-// exactly and so does the power of ten, so one division gives the correctly
-// rounded double, the same from_chars and Qt produce, and that double is
-// then rounded to float as they do. Anything else is refused and read the
-// general way. The float is the output on purpose: GCC 12 at -O2 drops the
-// rounding of a double-to-float-to-double pair stored side by side.
+// at a ',' or ' ' or the end, where i is left (untouched when refused). The
+// digits fit a double exactly and so does the power of ten, so one division
+// gives the correctly rounded double, the same from_chars and Qt produce, and
+// that double is then rounded to float as they do. Anything else is refused
+// and read the general way. The float is the output on purpose: GCC 12 at -O2
+// drops the rounding of a double-to-float-to-double pair stored side by side.
 bool scanDecimal(QStringView text, qsizetype &i, float &value)
 {
     static const double powers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7,
                                     1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-    const qsizetype size = text.size();
-    const QChar *const data = text.data();
-    const bool negative = i < size && data[i] == u'-';
-    if (negative)
-        ++i;
+    const char16_t *const begin = reinterpret_cast<const char16_t *>(text.utf16());
+    const char16_t *const end = begin + text.size();
+    const char16_t *p = begin + i;
+    const bool negative = p < end && *p == u'-';
+    p += negative;
     quint64 digits = 0;
-    int count = 0;
-    int fraction = -1;
-    for (; i < size; ++i) {
-        const char16_t c = data[i].unicode();
-        if (c >= u'0' && c <= u'9') {
-            digits = digits * 10 + (c - u'0');
-            ++count;
-            if (fraction >= 0)
-                ++fraction;
-        } else if (c == u'.' && fraction < 0 && count > 0) {
-            fraction = 0;
-        } else if (c == u',' || c == u' ') {
-            break;
-        } else {
+    const char16_t *const first = p;
+    p = readDigits(p, end, digits);
+    const int whole = int(p - first);
+    int fraction = 0;
+    if (whole > 0 && p < end && *p == u'.') {
+        const char16_t *const point = ++p;
+        p = readDigits(p, end, digits);
+        fraction = int(p - point);
+        if (fraction == 0)
             return false;
-        }
     }
-    if (count == 0 || count > 15 || fraction == 0)
+    if (whole == 0 || whole + fraction > 15 || (p < end && *p != u',' && *p != u' '))
         return false;
-    const double exact = double(digits) / powers[fraction < 0 ? 0 : fraction];
+    i = p - begin;
+    const double exact = double(digits) / powers[fraction];
     value = float(negative ? -exact : exact);
     return true;
 }
@@ -270,9 +280,10 @@ float NumberText::unitFraction(float value)
     return value < 1.0f ? value : 1.0f;
 }
 
+// Points and widths are not counted ahead to reserve the list: the count
+// costs more than the list's own growth.
 void NumberText::appendPoints(QList<QPointF> &out, QStringView text)
 {
-    out.reserve(out.size() + pieceCount(text, u' '));
     qsizetype start = 0;
     for (;;) {
         qsizetype end = start;
@@ -297,7 +308,6 @@ void NumberText::appendInts(QList<int> &out, QStringView text)
 
 void NumberText::appendFloats(QList<float> &out, QStringView text)
 {
-    out.reserve(out.size() + pieceCount(text, u','));
     qsizetype start = 0;
     for (;;) {
         qsizetype end = start;

@@ -3,18 +3,23 @@
 
 #include "xml/readlimits.h"
 
+#include <QStringView>
 #include <QXmlStreamReader>
+
+#include <cstring>
 
 namespace {
 
 // A quick pass over the markup that counts what the parser would build,
 // without parsing: start tags by depth and '=' signs outside quotes within a
 // tag. It only has to be exact for well-formed text; anything else is
-// refused by the parser afterwards.
-template <typename Text>
+// refused by the parser afterwards, at or before the point where the count
+// and the parser part ways. Quoted values, the bulk of a page, are skipped
+// by a search for the closing quote.
+template <typename Unit>
 class MarkupScan {
 public:
-    explicit MarkupScan(const Text &text) : m_text(text), m_size(qsizetype(text.size())) {}
+    MarkupScan(const Unit *text, qsizetype size) : m_text(text), m_size(size) {}
 
     XmlLimits::Verdict run()
     {
@@ -22,16 +27,17 @@ public:
         const int maxAttributes = XmlLimits::maxAttributes();
         int depth = 0;
         qsizetype i = 0;
-        while ((i = find(i, "<")) < m_size) {
-            if (startsWith(i, "<!--"))
+        while ((i = find(i, '<')) < m_size) {
+            if (startsWith(i, "<!--")) {
                 i = after(i + 4, "-->");
-            else if (startsWith(i, "<![CDATA["))
+            } else if (startsWith(i, "<![CDATA[")) {
                 i = after(i + 9, "]]>");
-            else if (startsWith(i, "<?"))
+            } else if (startsWith(i, "<?")) {
                 i = after(i + 2, "?>");
-            else if (startsWith(i, "<!"))
+            } else if (startsWith(i, "<!")) {
+                m_declared = true;
                 i = afterDeclaration(i + 2);
-            else if (startsWith(i, "</")) {
+            } else if (startsWith(i, "</")) {
                 --depth;
                 i = after(i + 2, ">");
             } else {
@@ -47,10 +53,12 @@ public:
         return XmlLimits::Within;
     }
 
+    // Whether the text has a document type declaration: only one can declare
+    // entities, whose expansion the count above does not see.
+    bool declared() const { return m_declared; }
+
 private:
-    char16_t at(qsizetype i) const { return i >= 0 && i < m_size ? char16_t(unit(m_text.constData()[i])) : 0; }
-    static ushort unit(char c) { return uchar(c); }
-    static ushort unit(QChar c) { return c.unicode(); }
+    char16_t at(qsizetype i) const { return i >= 0 && i < m_size ? char16_t(m_text[i]) : 0; }
 
     bool startsWith(qsizetype i, const char *pattern) const
     {
@@ -61,9 +69,29 @@ private:
         return true;
     }
 
+    // The first unit c at or after i, or the end.
+    qsizetype find(qsizetype i, char c) const
+    {
+        if (i >= m_size)
+            return m_size;
+        const qsizetype found = findUnit(m_text + i, m_size - i, c);
+        return found < 0 ? m_size : i + found;
+    }
+
+    static qsizetype findUnit(const char *text, qsizetype size, char c)
+    {
+        const void *const hit = std::memchr(text, c, size_t(size));
+        return hit ? static_cast<const char *>(hit) - text : -1;
+    }
+
+    static qsizetype findUnit(const char16_t *text, qsizetype size, char c)
+    {
+        return QStringView(text, size).indexOf(QLatin1Char(c));
+    }
+
     qsizetype find(qsizetype i, const char *pattern) const
     {
-        while (i < m_size && !startsWith(i, pattern))
+        while ((i = find(i, *pattern)) < m_size && !startsWith(i, pattern))
             ++i;
         return i;
     }
@@ -75,32 +103,29 @@ private:
 
     qsizetype tagEnd(qsizetype i, int *attributes) const
     {
-        char16_t quote = 0;
         for (; i < m_size; ++i) {
-            const char16_t c = at(i);
-            if (quote)
-                quote = c == quote ? 0 : quote;
-            else if (c == u'"' || c == u'\'')
-                quote = c;
+            const char16_t c = char16_t(m_text[i]);
+            if (c == u'"' || c == u'\'')
+                i = find(i + 1, char(c));
             else if (c == u'=')
                 ++*attributes;
             else if (c == u'>')
                 break;
         }
-        return i;
+        return qMin(i, m_size);
     }
 
     // A document type declaration, its internal subset included.
     qsizetype afterDeclaration(qsizetype i) const
     {
         while (i < m_size) {
-            const char16_t c = at(i);
+            const char16_t c = char16_t(m_text[i]);
             if (startsWith(i, "<!--"))
                 i = after(i + 4, "-->");
             else if (startsWith(i, "<?"))
                 i = after(i + 2, "?>");
             else if (c == u'"' || c == u'\'')
-                i = after(i + 1, c == u'"' ? "\"" : "'");
+                i = qMin(m_size, find(i + 1, char(c)) + 1);
             else if (c == u'>')
                 return i + 1;
             else
@@ -109,8 +134,9 @@ private:
         return i;
     }
 
-    const Text &m_text;
+    const Unit *const m_text;
     const qsizetype m_size;
+    bool m_declared = false;
 };
 
 // The parser's own view, entities expanded, once no tag can make it slow.
@@ -137,6 +163,13 @@ XmlLimits::Verdict streamCheck(QXmlStreamReader &reader)
     return XmlLimits::Within;
 }
 
+template <typename Text>
+XmlLimits::Verdict streamCheck(const Text &text)
+{
+    QXmlStreamReader reader(text);
+    return streamCheck(reader);
+}
+
 bool isUtf16(const QByteArray &data)
 {
     if (data.size() < 2)
@@ -158,6 +191,27 @@ QString fromUtf16(const QByteArray &data)
     return text;
 }
 
+// Whether the XML declaration names an encoding other than UTF-8. The parser
+// decodes such bytes before it sees markup, so the count over raw bytes is
+// not its view; without a declaration, or with UTF-8, every markup character
+// is the byte the count looks for.
+bool declaresOtherEncoding(const QByteArray &data)
+{
+    const int start = data.startsWith("\xEF\xBB\xBF") ? 3 : 0;
+    if (data.size() < start + 5 || qstrncmp(data.constData() + start, "<?xml", 5) != 0)
+        return false;
+    const QByteArray declaration = data.mid(start, data.indexOf("?>", start) - start);
+    const int name = declaration.indexOf("encoding");
+    if (name < 0)
+        return false;
+    const int equals = declaration.indexOf('=', name);
+    QByteArray value = declaration.mid(equals + 1).trimmed();
+    if (value.isEmpty())
+        return true;
+    value = value.mid(1, value.indexOf(value.at(0), 1) - 1);
+    return value.toLower() != "utf-8";
+}
+
 } // namespace
 
 int XmlLimits::maxDepth()
@@ -170,23 +224,30 @@ int XmlLimits::maxAttributes()
     return ReadLimits::current().maxXmlAttributes;
 }
 
+// The parser's pass is needed only where the count cannot be exact: behind a
+// document type declaration (entities) or in an encoding whose bytes are not
+// the markup's characters.
 XmlLimits::Verdict XmlLimits::check(const QByteArray &data)
 {
-    // Markup characters of UTF-16 text are not bytes of their own.
-    const Verdict markup = isUtf16(data) ? MarkupScan<QString>(fromUtf16(data)).run() : MarkupScan<QByteArray>(data).run();
-    if (markup != Within)
+    if (isUtf16(data)) {
+        const QString text = fromUtf16(data);
+        const Verdict markup = MarkupScan<char16_t>(reinterpret_cast<const char16_t *>(text.utf16()), text.size()).run();
+        return markup != Within ? markup : streamCheck(data);
+    }
+    MarkupScan<char> scan(data.constData(), data.size());
+    const Verdict markup = scan.run();
+    if (markup != Within || (!scan.declared() && !declaresOtherEncoding(data)))
         return markup;
-    QXmlStreamReader reader(data);
-    return streamCheck(reader);
+    return streamCheck(data);
 }
 
 XmlLimits::Verdict XmlLimits::check(const QString &text)
 {
-    const Verdict markup = MarkupScan<QString>(text).run();
-    if (markup != Within)
+    MarkupScan<char16_t> scan(reinterpret_cast<const char16_t *>(text.utf16()), text.size());
+    const Verdict markup = scan.run();
+    if (markup != Within || !scan.declared())
         return markup;
-    QXmlStreamReader reader(text);
-    return streamCheck(reader);
+    return streamCheck(text);
 }
 
 const char *XmlLimits::warning(Verdict verdict)

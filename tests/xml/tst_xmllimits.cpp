@@ -32,6 +32,15 @@ QByteArray withAttributes(int count, const QByteArray &value = "1")
     return text + "/>";
 }
 
+// Attributes the document type gives every element of a name.
+QByteArray defaultedAttributes(int count)
+{
+    QByteArray list;
+    for (int i = 0; i < count; ++i)
+        list += " a" + QByteArray::number(i) + " CDATA \"1\"";
+    return "<!-- lesson --><!DOCTYPE r [<!ATTLIST r" + list + ">]><r/>";
+}
+
 QByteArray utf16(const QByteArray &text)
 {
     const QString string = QString::fromUtf8(text);
@@ -73,6 +82,7 @@ private slots:
             << "<!DOCTYPE r [<!ENTITY e \"" + QByteArray("<g>").repeated(200) + QByteArray("</g>").repeated(200)
                    + "\">]>" + nested("g", 100).mid(22).replace("<g><g></g>", "<g><g>&e;</g>")
             << deep;
+        QTest::newRow("attributes by default, declared after a comment") << defaultedAttributes(257) << wide;
     }
 
     void loadRefusesBeyondLimits()
