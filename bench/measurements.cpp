@@ -13,7 +13,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTextStream>
 
@@ -126,9 +125,7 @@ int largestPageId(const QString &folder)
 } // namespace
 
 Measurements::Measurements(const Options &options)
-    : m_options(options),
-      m_zip(QStandardPaths::findExecutable(QStringLiteral("zip"))),
-      m_unzip(QStandardPaths::findExecutable(QStringLiteral("unzip")))
+    : m_options(options)
 {
 }
 
@@ -194,14 +191,8 @@ bool Measurements::buildAndPack(const LessonShape &shape, LessonGenerator &gener
         qWarning("packing the lesson failed");
         return false;
     }
-    if (baselines && !m_zip.isEmpty()) {
-        const QString zipped = m_root + QLatin1String("/zipped.zip");
-        removePath(zipped);
-        figures.zip = runTool(m_zip, {QStringLiteral("-r"), QStringLiteral("-q"), zipped, QStringLiteral(".")},
-                              folder);
-        figures.zipBytes = QFileInfo(zipped).size();
-        removePath(zipped);
-    }
+    if (baselines)
+        m_archiveBaselines.timePacking(folder, m_root);
     Q_UNUSED(shape);
     return true;
 }
@@ -220,12 +211,8 @@ bool Measurements::openAndRead(const LessonShape &shape, bool baselines, Figures
     }
     figures.open = elapsedMs(timer);
 
-    if (baselines && !m_unzip.isEmpty()) {
-        const QString unzipped = m_root + QLatin1String("/unzipped");
-        removePath(unzipped);
-        figures.unzip = runTool(m_unzip, {QStringLiteral("-q"), archive, QStringLiteral("-d"), unzipped}, m_root);
-        removePath(unzipped);
-    }
+    if (baselines)
+        m_archiveBaselines.timeUnpacking(archive, m_root);
 
     timer.restart();
     const LessonReader::Counts counts = LessonReader::walk(document.get());
@@ -418,12 +405,10 @@ void Measurements::printMain(QTextStream &out, const QList<Figures> &runs, const
                       verdict});
     };
     row(QStringLiteral("build (ms)"), medianOf(runs, &Figures::build), QStringLiteral("-"), -1, -1);
-    row(QStringLiteral("pack (ms)"), medianOf(runs, &Figures::pack),
-        m_zip.isEmpty() ? QStringLiteral("zip missing") : QStringLiteral("zip -r -q"), medianOf(runs, &Figures::zip),
-        0.8);
-    row(QStringLiteral("open archive (ms)"), medianOf(runs, &Figures::open),
-        m_unzip.isEmpty() ? QStringLiteral("unzip missing") : QStringLiteral("unzip -q"),
-        medianOf(runs, &Figures::unzip), 1.0);
+    for (const ArchiveBaselines::Figure &base : m_archiveBaselines.packing())
+        row(QStringLiteral("pack (ms)"), medianOf(runs, &Figures::pack), base.tool, base.ms, base.target);
+    for (const ArchiveBaselines::Figure &base : m_archiveBaselines.unpacking())
+        row(QStringLiteral("open archive (ms)"), medianOf(runs, &Figures::open), base.tool, base.ms, base.target);
     row(QStringLiteral("open + read pages (ms)"), medianOf(runs, &Figures::read), QStringLiteral("QDom parse"),
         medianOf(runs, &Figures::parse), 1.15);
     row(QStringLiteral("save edited pages (ms)"), medianOf(runs, &Figures::save), QStringLiteral("QDom save"),
@@ -435,30 +420,15 @@ void Measurements::printMain(QTextStream &out, const QList<Figures> &runs, const
                   ratioOf(kib(memory.walk), kib(memory.largest)) <= 2.0 ? QStringLiteral("met")
                                                                          : QStringLiteral("MISSED")});
     const Figures &last = runs.last();
-    table.addNote(QStringLiteral("page XML %1 MiB; archive %2 MiB (zip -r -q: %3 MiB)")
+    table.addNote(QStringLiteral("page XML %1 MiB; archive %2 MiB (%3)")
                       .arg(double(last.xmlBytes) / (1 << 20), 0, 'f', 1)
                       .arg(double(last.archiveBytes) / (1 << 20), 0, 'f', 1)
-                      .arg(last.zipBytes < 0 ? QStringLiteral("-")
-                                             : QString::number(double(last.zipBytes) / (1 << 20), 'f', 1)));
+                      .arg(m_archiveBaselines.archiveSizes()));
     table.addNote(QStringLiteral("memory: peak RSS growth in a fresh process after openFile, %1")
                       .arg(memory.reset ? QStringLiteral("peak reset through /proc/self/clear_refs")
                                         : QStringLiteral("peak NOT reset (clear_refs refused): "
                                                          "includes the open")));
     table.print(out);
-}
-
-double Measurements::runTool(const QString &program, const QStringList &arguments,
-                             const QString &workingFolder) const
-{
-    QProcess process;
-    process.setWorkingDirectory(workingFolder);
-    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    QElapsedTimer timer;
-    timer.start();
-    process.start(program, arguments);
-    if (!process.waitForFinished(-1) || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
-        return -1;
-    return elapsedMs(timer);
 }
 
 QStringList Measurements::pageFiles(const QString &folder)

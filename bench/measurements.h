@@ -2,6 +2,7 @@
 #ifndef LXDOC_BENCH_MEASUREMENTS_H
 #define LXDOC_BENCH_MEASUREMENTS_H
 
+#include "archivebaselines.h"
 #include "lessongenerator.h"
 
 #include <QList>
@@ -12,8 +13,8 @@ class ILXDocument;
 class QTextStream;
 
 // Times whole-lesson work through the library side by side with baselines
-// run on the same files in the same process: Info-ZIP for packing and
-// unpacking, plain QDomDocument for parsing and saving. Every time is the
+// run on the same files in the same process: archive tools for packing and
+// unpacking (ArchiveBaselines), plain QDomDocument for parsing and saving. Every time is the
 // median of several runs.
 class Measurements {
 public:
@@ -39,15 +40,12 @@ private:
     struct Figures {
         double build = -1;
         double pack = -1;
-        double zip = -1;
         double open = -1;
-        double unzip = -1;
         double read = -1;
         double parse = -1;
         double save = -1;
         double plainSave = -1;
         qint64 archiveBytes = -1;
-        qint64 zipBytes = -1;
         qint64 xmlBytes = -1;
     };
     struct Memory {
@@ -64,15 +62,13 @@ private:
     bool runGrowth(QTextStream &out);
     void printMain(QTextStream &out, const QList<Figures> &runs, const Memory &memory) const;
 
-    double runTool(const QString &program, const QStringList &arguments, const QString &workingFolder) const;
     static QStringList pageFiles(const QString &folder);
     static double plainParse(const QString &folder, const QStringList &files);
     double plainSave(const QString &folder, const QStringList &files) const;
 
     Options m_options;
     QString m_root;
-    QString m_zip;
-    QString m_unzip;
+    ArchiveBaselines m_archiveBaselines;
 };
 
 #endif

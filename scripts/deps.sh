@@ -4,7 +4,7 @@
 set -euo pipefail
 pkgs=(cmake ninja-build g++ pkg-config
       qt6-base-dev qt6-svg-dev qtbase5-dev libqt5svg5-dev
-      libarchive-dev zip unzip libxml2-utils python3
+      libarchive-dev libarchive-tools zip unzip libxml2-utils python3
       clang libclang-rt-14-dev valgrind
       libpoppler-qt6-dev libpoppler-qt5-dev chromium
       help2man python3-jsonschema)

@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 #include <sys/stat.h>
 #include <vector>
 
@@ -35,6 +36,7 @@ private:
     bool addChild(int dirFd, const QByteArray &name, const QByteArray &prefix);
     bool addFile(int dirFd, const QByteArray &name, const QByteArray &path);
     bool writeHeader(const QByteArray &path, const struct stat &info);
+    void anchorCompressorMemory(bool deflated);
     bool copyData(int fd, const QByteArray &path, off_t size);
     bool fail(const QString &what);
     bool failArchive(const QString &what);
@@ -43,6 +45,7 @@ private:
     const qint64 m_storeFrom;
     SkipTest m_skip;
     std::vector<char> m_buffer;
+    std::unique_ptr<char[]> m_heapAnchor;
     QString m_error;
 };
 
