@@ -209,7 +209,11 @@ bool DomWriter::openElement(const QDomElement &element, int depth)
     const QString namespaceUri = element.namespaceURI();
     const QString name = qualifiedName(element, namespaceUri);
     m_out += u'<';
-    writeRaw(name);
+    // Without a namespace the name written is the one just checked.
+    if (namespaceUri.isNull())
+        m_out += name;
+    else
+        writeRaw(name);
     if (!namespaceUri.isNull()) {
         m_out += element.prefix().isEmpty() ? QLatin1String(" xmlns") : QLatin1String(" xmlns:");
         writeRaw(element.prefix());
@@ -290,24 +294,21 @@ void DomWriter::writeAttributes(const QDomElement &element)
 void DomWriter::writeAttribute(const QDomAttr &attribute, const QDomElement &element, QSet<QString> *writtenNames,
                                QStringList &declaredPrefixes)
 {
-    const qsizetype start = m_out.size();
-    m_out += u' ';
     const QString attributeUri = attribute.namespaceURI();
     const QString attributeName =
         attributeUri.isNull() ? attribute.name() : attribute.prefix() + u':' + attribute.localName();
-    writeRaw(attributeName);
     // A name holding characters XML cannot carry was never a name: with
     // them left out it may clash with another ("x\v2" and "x2") or end
-    // in ':', and the whole file would no longer read. Such an
-    // attribute is dropped, as is any other name that would not read
-    // back, and repeats.
-    if (QStringView(m_out).mid(start + 1) != attributeName || !isName(attributeName, m_attributeName)
-        || (writtenNames && writtenNames->contains(attributeName))) {
-        m_out.truncate(start);
+    // in ':', and the whole file would no longer read. Such an attribute is
+    // dropped, as is any other name that would not read back, and repeats.
+    // A name that reads back holds only characters XML carries, so it is
+    // written as it is.
+    if (!isName(attributeName, m_attributeName) || (writtenNames && writtenNames->contains(attributeName)))
         return;
-    }
     if (writtenNames)
         writtenNames->insert(attributeName);
+    m_out += u' ';
+    m_out += attributeName;
     m_out += QLatin1String("=\"");
     writeEscaped(attribute.value(), true, true);
     m_out += u'"';
