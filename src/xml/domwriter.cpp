@@ -281,7 +281,16 @@ void DomWriter::writeAttributes(const QDomElement &element)
     // A lone attribute needs neither sorting nor a check for repeats: list
     // entries, the bulk of a long manifest, carry just one.
     if (count == 1) {
-        writeAttribute(map.item(0).toAttr(), element, nullptr, declaredPrefixes);
+        // QDom reaches an attribute by index through a walk of its hash from
+        // the start; by the name the last lone attribute had, it is a lookup.
+        QDomAttr attribute;
+        if (!m_loneAttribute.isEmpty())
+            attribute = QDomElement(element).attributeNode(m_loneAttribute); // not const in Qt 5
+        if (attribute.isNull()) {
+            attribute = map.item(0).toAttr();
+            m_loneAttribute = attribute.name();
+        }
+        writeAttribute(attribute, element, nullptr, declaredPrefixes);
         return;
     }
     QSet<QString> writtenNames;

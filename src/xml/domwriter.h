@@ -48,6 +48,7 @@ private:
     QVector<QDomAttr> m_attributes;
     QString m_elementName;
     QString m_attributeName;
+    QString m_loneAttribute;
 };
 
 #endif
