@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QColor>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QImage>
 #include <QPixmap>
@@ -174,7 +175,10 @@ bool LessonGenerator::writePage(ILXDocument *document, int index)
 
 bool LessonGenerator::writeFrontPage(ILXDocument *document, int index, QRandomGenerator &random)
 {
+    QElapsedTimer timer;
+    timer.start();
     const Handle<ILXFrontPage> page(document->insertFrontPage(index, pageId(index)));
+    m_times.insertNs += timer.nsecsElapsed();
     if (!page)
         return false;
     page->setPageSize(QSize(1024, 768));
@@ -231,12 +235,18 @@ bool LessonGenerator::writeFrontPage(ILXDocument *document, int index, QRandomGe
         text->setTextFrame(Qt::black, 1.0f, style, false, Qt::white);
     }
     page->setMaxGraphicId(gid);
-    return page->saveFile();
+    timer.restart();
+    const bool saved = page->saveFile();
+    m_times.saveNs += timer.nsecsElapsed();
+    return saved;
 }
 
 bool LessonGenerator::writeRecordPage(ILXDocument *document, int index, QRandomGenerator &random)
 {
+    QElapsedTimer timer;
+    timer.start();
     const Handle<ILXRecordPage> record(document->insertRecPage(index, pageId(index)));
+    m_times.insertNs += timer.nsecsElapsed();
     if (!record)
         return false;
     record->setLXPageAttribute(QStringLiteral("duration"), m_shape.commands * 40);
@@ -256,7 +266,10 @@ bool LessonGenerator::writeRecordPage(ILXDocument *document, int index, QRandomG
         if (!command->setPointFList(QStringLiteral("points"), points))
             return false;
     }
-    return record->saveFile();
+    timer.restart();
+    const bool saved = record->saveFile();
+    m_times.saveNs += timer.nsecsElapsed();
+    return saved;
 }
 
 // A hand-drawn line: a random walk with small steps.

@@ -46,6 +46,16 @@ public:
 
     static int pageId(int index);
 
+    // Where build() spent its time, summed since the generator was made or
+    // the last reset: the page inserts (each writes the manifest) and the
+    // page and record saves.
+    struct StepTimes {
+        qint64 insertNs = 0;
+        qint64 saveNs = 0;
+    };
+    const StepTimes &stepTimes() const { return m_times; }
+    void resetStepTimes() { m_times = StepTimes(); }
+
 private:
     bool writeFrontPage(ILXDocument *document, int index, QRandomGenerator &random);
     bool writeRecordPage(ILXDocument *document, int index, QRandomGenerator &random);
@@ -55,6 +65,7 @@ private:
     LessonShape m_shape;
     QStringList m_media;
     QStringList m_images;
+    StepTimes m_times;
 };
 
 #endif

@@ -29,8 +29,19 @@ Measurements::Options parseOptions(const QCommandLineParser &parser)
     options.runs = smoke ? 1 : qMax(1, parser.value(QStringLiteral("runs")).toInt());
     if (parser.isSet(QStringLiteral("runs")))
         options.runs = qMax(1, parser.value(QStringLiteral("runs")).toInt());
-    if (!parser.isSet(QStringLiteral("no-growth")))
-        options.growthPages = smoke ? QList<int>{5, 10} : QList<int>{25, 50, 100, 200, 400};
+    options.dataFolder = parser.value(QStringLiteral("dir"));
+    options.growthOnly = parser.isSet(QStringLiteral("growth-only"));
+    if (parser.isSet(QStringLiteral("no-growth")))
+        return options;
+    if (smoke) {
+        options.growthPages = {5, 10};
+        return options;
+    }
+    for (const QString &size : parser.value(QStringLiteral("growth")).split(QLatin1Char(','))) {
+        const int pages = size.trimmed().toInt();
+        if (pages > 0)
+            options.growthPages << pages;
+    }
     return options;
 }
 
@@ -58,6 +69,13 @@ int main(int argc, char *argv[])
         {QStringLiteral("no-growth"), QStringLiteral("Leave out the growth table.")},
         {QStringLiteral("light"), QStringLiteral("Main table on n light pages (walk memory at scale)."),
          QStringLiteral("n")},
+        {QStringLiteral("growth"),
+         QStringLiteral("Page counts of the growth table; 25,100,400,1000,2000 takes long on a disk."),
+         QStringLiteral("list"), QStringLiteral("25,100,400")},
+        {QStringLiteral("growth-only"), QStringLiteral("Only the growth table.")},
+        {QStringLiteral("dir"),
+         QStringLiteral("Folder for the generated data (the document temp root stays beside the executable)."),
+         QStringLiteral("folder")},
         {QStringLiteral("strokes-only"), QStringLiteral("Only the stroke length table.")},
     });
     QCommandLineOption walk(QStringLiteral("measure-walk"), QString(), QStringLiteral("archive"));
@@ -77,6 +95,8 @@ int main(int argc, char *argv[])
     Measurements measurements(parseOptions(parser));
     if (!parser.isSet(QStringLiteral("strokes-only")) && !measurements.run(out))
         return 1;
+    if (parser.isSet(QStringLiteral("growth-only")))
+        return 0;
     out << '\n';
     return StrokeScaling(parser.isSet(QStringLiteral("smoke"))).run(out) ? 0 : 1;
 }

@@ -22,7 +22,10 @@ public:
         LessonShape shape;
         int runs = 5;
         QList<int> growthPages;
+        bool growthOnly = false;
         bool smoke = false;
+        // Where the generated data goes; empty for the system's temporary folder.
+        QString dataFolder;
     };
 
     explicit Measurements(const Options &options);
@@ -45,6 +48,12 @@ private:
         double parse = -1;
         double save = -1;
         double plainSave = -1;
+        // Parts of build, open and save, for the growth table's breakdown.
+        double inserts = -1;
+        double pageWrites = -1;
+        double manifestLoad = -1;
+        double pageSaves = -1;
+        double recordSaves = -1;
         qint64 archiveBytes = -1;
         qint64 xmlBytes = -1;
     };
@@ -57,9 +66,10 @@ private:
     bool runOnce(const LessonShape &shape, LessonGenerator &generator, bool baselines, Figures &figures);
     bool buildAndPack(const LessonShape &shape, LessonGenerator &generator, bool baselines, Figures &figures);
     bool openAndRead(const LessonShape &shape, bool baselines, Figures &figures);
-    double saveEdited(ILXDocument *document);
+    bool saveEdited(ILXDocument *document, Figures &figures);
     bool measureMemory(Memory &memory);
     bool runGrowth(QTextStream &out);
+    static void printBreakdown(QTextStream &out, const QList<int> &sizes, const QList<QList<Figures>> &results);
     void printMain(QTextStream &out, const QList<Figures> &runs, const Memory &memory) const;
 
     static QStringList pageFiles(const QString &folder);

@@ -18,6 +18,29 @@ const char *const kHref = "href";
 const char *const kNewResourceOrder[] = {"pages",  "records",  "images",     "sounds",
                                          "flashes", "avmedia", "fillblocks", "attachments"};
 
+// Whether a node is exactly what setResourceList makes for one entry: a
+// "file" element with the entry as its only attribute and one empty text
+// node. A parsed file never yields an empty text node, so an element read
+// from disk never passes.
+bool isEntryFor(const QDomNode &node, const QString &entry, const QString &fileName, const QString &href)
+{
+    if (!node.isElement())
+        return false;
+    const QDomElement element = node.toElement();
+    const QDomNode text = element.firstChild();
+    return text.nodeType() == QDomNode::TextNode && text.nodeValue().isEmpty() && text.nextSibling().isNull()
+        && element.tagName() == fileName && element.namespaceURI().isNull() && element.attributes().count() == 1
+        && element.attribute(href) == entry;
+}
+
+QDomNode childAt(const QDomNode &parent, int position)
+{
+    QDomNode child = parent.firstChild();
+    for (int i = 0; i < position && !child.isNull(); ++i)
+        child = child.nextSibling();
+    return child;
+}
+
 } // namespace
 
 QManifest::QManifest() = default;
@@ -203,31 +226,85 @@ QDomNode QManifest::findResource(const QString &identifier)
     return m_stream->getChildNodeByAttribute(m_root, QString::fromLatin1(kIdentifier), identifier);
 }
 
+// A list element that already holds the list as setResourceList writes it
+// takes a change as one node: rewriting the whole element on every insert
+// made building a lesson quadratic in its pages. Any other element (just
+// read from disk, or written from another list) is rewritten as before.
 bool QManifest::insertPage(QStringList &list, const QString &identifier, int index,
                            const QString &fileName)
 {
     if (!m_stream)
         return false;
+    const QDomNode resource = findResource(identifier);
+    const bool inStep = holdsExactly(resource, list);
+    int position = -1;
     if (list.isEmpty() || index == -1)
-        list.prepend(fileName);
+        position = 0;
     else if (index >= list.size())
-        list.append(fileName);
+        position = int(list.size());
     else if (index >= 0)
-        list.insert(index, fileName);
+        position = index;
     // An index below -1 matches no position and inserts nothing; kept as it is.
-    return setResourceList(list, identifier);
+    if (position >= 0)
+        list.insert(position, fileName);
+    if (!inStep)
+        return setResourceList(list, identifier);
+    if (position >= 0)
+        insertEntry(resource, list, position);
+    return true;
 }
 
 bool QManifest::deletePage(QStringList &list, const QString &identifier, const QString &fileName)
 {
     if (!m_stream)
         return false;
-    list.removeOne(fileName);
-    return setResourceList(list, identifier);
+    const QDomNode resource = findResource(identifier);
+    const bool inStep = holdsExactly(resource, list);
+    const int position = int(list.indexOf(fileName));
+    if (position >= 0)
+        list.removeAt(position);
+    if (!inStep)
+        return setResourceList(list, identifier);
+    if (position >= 0)
+        m_stream->removeNode(childAt(resource, position));
+    return true;
 }
 
 bool QManifest::appendResource(QStringList &list, const QString &identifier, const QString &fileName)
 {
+    const QDomNode resource = findResource(identifier);
+    const bool inStep = holdsExactly(resource, list);
     list.append(fileName);
-    return setResourceList(list, identifier);
+    if (!inStep)
+        return setResourceList(list, identifier);
+    insertEntry(resource, list, int(list.size()) - 1);
+    return true;
+}
+
+bool QManifest::holdsExactly(const QDomNode &resource, const QStringList &list) const
+{
+    if (resource.isNull())
+        return false;
+    const QString file = QString::fromLatin1(kFile);
+    const QString href = QString::fromLatin1(kHref);
+    QDomNode child = resource.firstChild();
+    for (const QString &entry : list) {
+        if (!isEntryFor(child, entry, file, href))
+            return false;
+        child = child.nextSibling();
+    }
+    return child.isNull();
+}
+
+// The same node setResourceList makes for the list's entry at the position,
+// put where that entry stands. Appending, the common case, walks nothing.
+void QManifest::insertEntry(const QDomNode &resource, const QStringList &list, int position)
+{
+    const QDomNode next = position + 1 < list.size() ? childAt(resource, position) : QDomNode();
+    const QDomNode file = m_stream->newChildNode(resource, QString::fromLatin1(kFile), QString());
+    if (file.isNull())
+        return;
+    m_stream->setNodeAttribute(file, QString::fromLatin1(kHref), list.at(position), true);
+    if (!next.isNull())
+        QDomNode(resource).insertBefore(file, next);
 }

@@ -43,6 +43,8 @@ private:
     bool insertPage(QStringList &list, const QString &identifier, int index, const QString &fileName);
     bool deletePage(QStringList &list, const QString &identifier, const QString &fileName);
     bool appendResource(QStringList &list, const QString &identifier, const QString &fileName);
+    bool holdsExactly(const QDomNode &resource, const QStringList &list) const;
+    void insertEntry(const QDomNode &resource, const QStringList &list, int position);
 
     QXmlStream *m_stream = nullptr;
     QDomNode m_root;

@@ -64,9 +64,9 @@ bool isTextLike(const QDomNode &node)
     return !node.isNull() && node.isText();
 }
 
-QString qualifiedName(const QDomElement &element)
+QString qualifiedName(const QDomElement &element, const QString &namespaceUri)
 {
-    if (!element.namespaceURI().isNull() && !element.prefix().isEmpty())
+    if (!namespaceUri.isNull() && !element.prefix().isEmpty())
         return element.prefix() + u':' + element.localName();
     return element.tagName();
 }
@@ -200,15 +200,20 @@ bool DomWriter::openElement(const QDomElement &element, int depth)
 {
     // An element whose name would not read back is left out with all it
     // holds: written, it would make the whole file unreadable.
-    if (!XmlName::isQualifiedName(element.nodeName()))
+    if (!isName(element.nodeName(), m_elementName))
         return false;
     // No whitespace is written next to a text node: it would change the text.
     if (!isTextLike(element.previousSibling()))
         writeIndent(depth);
 
     const QString namespaceUri = element.namespaceURI();
+    const QString name = qualifiedName(element, namespaceUri);
     m_out += u'<';
-    writeRaw(qualifiedName(element));
+    // Without a namespace the name written is the one just checked.
+    if (namespaceUri.isNull())
+        m_out += name;
+    else
+        writeRaw(name);
     if (!namespaceUri.isNull()) {
         m_out += element.prefix().isEmpty() ? QLatin1String(" xmlns") : QLatin1String(" xmlns:");
         writeRaw(element.prefix());
@@ -226,6 +231,13 @@ bool DomWriter::openElement(const QDomElement &element, int depth)
         return false;
     }
     m_out += u'>';
+    // A lone text child is written here, as the walk down and up again
+    // would write it: most elements of a lesson hold at most a value.
+    if (first.nodeType() == QDomNode::TextNode && first.nextSibling().isNull()) {
+        writeEscaped(first.nodeValue(), false, false);
+        writeEndTag(name, element);
+        return false;
+    }
     if (!first.isText())
         writeNewline();
     return true;
@@ -235,53 +247,88 @@ void DomWriter::closeElement(const QDomElement &element, int depth)
 {
     if (!element.lastChild().isText())
         writeIndent(depth);
+    writeEndTag(qualifiedName(element, element.namespaceURI()), element);
+}
+
+void DomWriter::writeEndTag(const QString &name, const QDomElement &element)
+{
     m_out += QLatin1String("</");
-    writeRaw(qualifiedName(element));
+    writeRaw(name);
     m_out += u'>';
     if (!isTextLike(element.nextSibling()))
         writeNewline();
 }
 
+// The names of a tree repeat: one that passed the check just before is not
+// checked again.
+bool DomWriter::isName(const QString &name, QString &lastGood)
+{
+    if (!lastGood.isEmpty() && name == lastGood)
+        return true;
+    if (!XmlName::isQualifiedName(name))
+        return false;
+    lastGood = name;
+    return true;
+}
+
 void DomWriter::writeAttributes(const QDomElement &element)
 {
     const QDomNamedNodeMap map = element.attributes();
-    if (map.count() > 0) {
-        QStringList declaredPrefixes;
-        // The buffer is reused: attributes are written before any child.
-        sortAttributes(map, m_attributes);
-        QSet<QString> writtenNames;
-        for (const QDomAttr &attribute : std::as_const(m_attributes)) {
-            const qsizetype start = m_out.size();
-            m_out += u' ';
-            const QString attributeUri = attribute.namespaceURI();
-            const QString attributeName = attributeUri.isNull()
-                ? attribute.name() : attribute.prefix() + u':' + attribute.localName();
-            writeRaw(attributeName);
-            // A name holding characters XML cannot carry was never a name: with
-            // them left out it may clash with another ("x\v2" and "x2") or end
-            // in ':', and the whole file would no longer read. Such an
-            // attribute is dropped, as is any other name that would not read
-            // back, and repeats.
-            const QString writtenName = m_out.mid(start + 1);
-            if (writtenName != attributeName || !XmlName::isQualifiedName(writtenName)
-                || writtenNames.contains(writtenName)) {
-                m_out.truncate(start);
-                continue;
-            }
-            writtenNames.insert(writtenName);
-            m_out += QLatin1String("=\"");
-            writeEscaped(attribute.value(), true, true);
-            m_out += u'"';
-            if (!attributeUri.isNull() && attribute.prefix() != element.prefix()
-                && !declaredPrefixes.contains(attribute.prefix())) {
-                declaredPrefixes.append(attribute.prefix());
-                m_out += QLatin1String(" xmlns:");
-                writeRaw(attribute.prefix());
-                m_out += QLatin1String("=\"");
-                writeEscaped(attributeUri, true, true);
-                m_out += u'"';
-            }
+    const int count = int(map.count());
+    if (count == 0)
+        return;
+    QStringList declaredPrefixes;
+    // A lone attribute needs neither sorting nor a check for repeats: list
+    // entries, the bulk of a long manifest, carry just one.
+    if (count == 1) {
+        // QDom reaches an attribute by index through a walk of its hash from
+        // the start; by the name the last lone attribute had, it is a lookup.
+        QDomAttr attribute;
+        if (!m_loneAttribute.isEmpty())
+            attribute = QDomElement(element).attributeNode(m_loneAttribute); // not const in Qt 5
+        if (attribute.isNull()) {
+            attribute = map.item(0).toAttr();
+            m_loneAttribute = attribute.name();
         }
+        writeAttribute(attribute, element, nullptr, declaredPrefixes);
+        return;
+    }
+    QSet<QString> writtenNames;
+    // The buffer is reused: attributes are written before any child.
+    sortAttributes(map, m_attributes);
+    for (const QDomAttr &attribute : std::as_const(m_attributes))
+        writeAttribute(attribute, element, &writtenNames, declaredPrefixes);
+}
+
+void DomWriter::writeAttribute(const QDomAttr &attribute, const QDomElement &element, QSet<QString> *writtenNames,
+                               QStringList &declaredPrefixes)
+{
+    const QString attributeUri = attribute.namespaceURI();
+    const QString attributeName =
+        attributeUri.isNull() ? attribute.name() : attribute.prefix() + u':' + attribute.localName();
+    // A name holding characters XML cannot carry was never a name: with
+    // them left out it may clash with another ("x\v2" and "x2") or end
+    // in ':', and the whole file would no longer read. Such an attribute is
+    // dropped, as is any other name that would not read back, and repeats.
+    // A name that reads back holds only characters XML carries, so it is
+    // written as it is.
+    if (!isName(attributeName, m_attributeName) || (writtenNames && writtenNames->contains(attributeName)))
+        return;
+    if (writtenNames)
+        writtenNames->insert(attributeName);
+    m_out += u' ';
+    m_out += attributeName;
+    m_out += QLatin1String("=\"");
+    writeEscaped(attribute.value(), true, true);
+    m_out += u'"';
+    if (!attributeUri.isNull() && attribute.prefix() != element.prefix()
+        && !declaredPrefixes.contains(attribute.prefix())) {
+        declaredPrefixes.append(attribute.prefix());
+        m_out += QLatin1String(" xmlns:");
+        writeRaw(attribute.prefix());
+        m_out += QLatin1String("=\"");
+        writeEscaped(attributeUri, true, true);
+        m_out += u'"';
     }
 }
 

@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <QDomAttr>
 #include <QDomNode>
+#include <QSet>
+#include <QStringList>
 #include <QString>
 #include <QVector>
 
@@ -26,7 +28,11 @@ private:
     bool openNode(const QDomNode &node, int depth);
     bool openElement(const QDomElement &element, int depth);
     void closeElement(const QDomElement &element, int depth);
+    void writeEndTag(const QString &name, const QDomElement &element);
+    static bool isName(const QString &name, QString &lastGood);
     void writeAttributes(const QDomElement &element);
+    void writeAttribute(const QDomAttr &attribute, const QDomElement &element, QSet<QString> *writtenNames,
+                        QStringList &declaredPrefixes);
     void writeDocumentType(const QDomDocumentType &type);
     void writeDeclaration(const QString &data);
     void writeEntityValue(const QString &value);
@@ -40,6 +46,9 @@ private:
     QString m_out;
     QString m_spaces;
     QVector<QDomAttr> m_attributes;
+    QString m_elementName;
+    QString m_attributeName;
+    QString m_loneAttribute;
 };
 
 #endif

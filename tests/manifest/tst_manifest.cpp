@@ -76,6 +76,86 @@ private slots:
         QVERIFY(manifest.getPagesList().isEmpty());
     }
 
+    // A change made in place must leave the very bytes a rewrite of every
+    // list from the final lists gives, whatever the element held before.
+    void editsWriteWhatARewriteWrites_data()
+    {
+        QTest::addColumn<QString>("start");
+        QTest::addColumn<QStringList>("edits");
+        QTest::addColumn<QStringList>("pages");
+        QTest::newRow("appends") << "new" << QStringList({"f 0 a", "r 0 a", "f 1 b", "r 1 b", "f 9 c"})
+                                 << QStringList({"a", "b", "c"});
+        QTest::newRow("front, middle, removals, moves")
+            << "new" << QStringList({"f 0 a", "f -1 b", "f 1 c", "f 3 d", "-f c", "-f zz", "f 2 c", "-f b", "f 0 b",
+                                     "r 0 a", "r 0 b", "-r a", "r 5 a", "f -2 q"})
+            << QStringList({"b", "a", "c", "d"});
+        QTest::newRow("element read from disk") << "reloaded" << QStringList({"f 1 b", "r 0 b", "-f a"})
+                                                << QStringList({"b"});
+        QTest::newRow("element written from another list") << "foreign" << QStringList({"f 1 b", "-r a"})
+                                                           << QStringList({"a", "b"});
+        QTest::newRow("resources after a reopening") << "reloaded" << QStringList({"i x", "i y", "fb u", "at v", "fb w"})
+                                                     << QStringList({"a"});
+    }
+
+    void editsWriteWhatARewriteWrites()
+    {
+        QFETCH(QString, start);
+        QFETCH(QStringList, edits);
+        QFETCH(QStringList, pages);
+        const auto begin = [&](QManifest &manifest, const QString &file) {
+            if (start == QLatin1String("reloaded")) {
+                QVERIFY(writeFile(file, "<manifest><resource identifier=\"pages\"><file href=\"a\"/><x href=\"\"/>"
+                                        "</resource><resource identifier=\"records\"><file href=\"a\">t</file>"
+                                        "</resource><resource identifier=\"images\"><file href=\"i\"/></resource>"
+                                        "<resource identifier=\"fillblocks\"><file href=\"f\"/></resource>"
+                                        "<resource identifier=\"attachments\"/></manifest>"));
+                QVERIFY(manifest.loadManifestFile(file));
+                return;
+            }
+            QVERIFY(manifest.createManifestFile(file));
+            if (start == QLatin1String("foreign")) {
+                QStringList other("q");
+                QVERIFY(manifest.insertFrontPage(0, "a") && manifest.insertRecPage(0, "a"));
+                QVERIFY(manifest.setResourceList(other, "pages") && manifest.setResourceList(other, "records"));
+            }
+        };
+        QManifest manifest;
+        begin(manifest, path());
+        QSet<QString> edited;
+        for (const QString &edit : edits) {
+            const QStringList part = edit.split(' ');
+            const QString &kind = part[0];
+            const QString &name = part.last();
+            if (kind == "f" || kind == "r")
+                (kind == "f" ? manifest.insertFrontPage(part[1].toInt(), name)
+                             : manifest.insertRecPage(part[1].toInt(), name));
+            else if (kind == "-f" || kind == "-r")
+                (kind == "-f" ? manifest.deleteFrontPage(name) : manifest.deleteRecPage(name));
+            else if (kind == "i")
+                manifest.addImageFile(name);
+            else
+                (kind == "fb" ? manifest.addFillblockFile(name) : manifest.addAttachment(name));
+            const QHash<QString, QString> lists = {{"f", "pages"},   {"-f", "pages"},      {"r", "records"},
+                                                   {"-r", "records"}, {"i", "images"},     {"fb", "fillblocks"},
+                                                   {"at", "attachments"}};
+            edited << lists.value(kind);
+        }
+        QCOMPARE(manifest.getPagesList(), pages);
+        manifest.closeFile(true);
+
+        // The same start with every edited list rewritten whole.
+        const QString rewritten = m_dir.filePath("rewritten.xml");
+        QFile::remove(rewritten);
+        QManifest reference;
+        begin(reference, rewritten);
+        for (const QString &identifier : std::as_const(edited)) {
+            QStringList list = listed(identifier);
+            QVERIFY(reference.setResourceList(list, identifier));
+        }
+        reference.closeFile(true);
+        QCOMPARE(readBytes(path()), readBytes(rewritten));
+    }
+
     void attachmentsAndFillblocksCross()
     {
         QManifest manifest;

@@ -54,6 +54,7 @@ private slots:
             {"nested", "<?xml version='1.0'?><r><a k=\"1\"><b/><c x=\"y\"/></a><d/></r>"},
             {"no declaration", "<r><a/></r>"},
             {"text value", "<r><v>12.50000</v><w></w></r>"},
+            {"value beside text", "<r><v a=\"1\">x</v>tail<w>y</w><u><v>z</v></u></r>"},
             {"mixed content", "<r>lead<a/>mid<b>in</b>tail</r>"},
             {"text then element", "<r><t>x<b/></t></r>"},
             {"element then text", "<r><t><b/>x</t></r>"},
@@ -107,6 +108,7 @@ private slots:
             QCOMPARE(DomWriter::toString(document, indent), document.toString(indent));
             QCOMPARE(DomWriter::toString(fragment, indent), qdomText(fragment, indent));
             QCOMPARE(DomWriter::toString(cmd, indent), qdomText(cmd, indent));
+            QCOMPARE(DomWriter::toString(root.lastChild(), indent), qdomText(root.lastChild(), indent));
         }
     }
 
