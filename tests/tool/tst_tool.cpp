@@ -651,6 +651,8 @@ void TestTool::errorsAreOneLine_data()
     QTest::newRow("unknown option") << QStringList{"check", "--fast", "sample.lzn"} << 2 << "lxdoc: check: Unknown option 'fast'.";
     QTest::newRow("import into the appended lesson") << QStringList{"import", "notes.txt", "sample.lzn", "--append", "sample.lzn"} << 2 << "lxdoc: import: OUTPUT must be another file";
     QTest::newRow("import at no resolution") << QStringList{"import", "notes.txt", "x.lzn", "--dpi", "0"} << 2 << "lxdoc: import: --dpi takes a number";
+    QTest::newRow("unknown drawing limit") << QStringList{"render", "sample.lzn", "out", "--limit", "speed=9"} << 2 << "lxdoc: render: --limit takes NAME=NUMBER, NAME one of side,";
+    QTest::newRow("drawing limit of no size") << QStringList{"export", "--html", "sample.lzn", "web", "--limit", "drawing=0"} << 2 << "lxdoc: export: --limit drawing takes a positive number";
     QTest::newRow("export without a form") << QStringList{"export", "sample.lzn", "web"} << 2 << "lxdoc: export: name the form, --html";
     QTest::newRow("export into a used folder") << QStringList{"export", "--html", "sample.lzn", "sample-pages"} << 1 << "lxdoc: cannot export into 'sample-pages': the folder is not empty";
 }

@@ -2,6 +2,7 @@
 #include "commandline.h"
 
 #include "console.h"
+#include "renderlimits.h"
 
 #include <QRegularExpression>
 #include <QTextStream>
@@ -106,6 +107,11 @@ QString CommandLine::value(const QString &name) const
     return m_parser.value(name);
 }
 
+QStringList CommandLine::values(const QString &name) const
+{
+    return m_parser.values(name);
+}
+
 QString CommandLine::command() const
 {
     return m_command;
@@ -116,8 +122,7 @@ bool CommandLine::parseSize(const QString &text, QSize *size)
     const QRegularExpressionMatch match = QRegularExpression(QStringLiteral("^(\\d+)x(\\d+)$")).match(text);
     if (!match.hasMatch())
         return false;
-    // Beyond this an image no longer fits in memory comfortably.
-    const int largest = 20000;
+    const double largest = RenderLimits::current().side;
     *size = QSize(match.captured(1).toInt(), match.captured(2).toInt());
     return !size->isEmpty() && size->width() <= largest && size->height() <= largest;
 }

@@ -25,6 +25,8 @@ public:
     QString argument(int index, const QString &fallback = QString()) const;
     bool isSet(const QString &name) const;
     QString value(const QString &name) const;
+    // Every value of an option given more than once.
+    QStringList values(const QString &name) const;
     QString command() const;
     // "lxdoc COMMAND [options] ARGS", the bare program name.
     QString usageLine() const;

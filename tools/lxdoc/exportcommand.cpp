@@ -6,6 +6,7 @@
 #include "filetree.h"
 #include "lessonpages.h"
 #include "lessonsource.h"
+#include "renderlimits.h"
 #include "webexporter.h"
 
 #include <QDir>
@@ -19,9 +20,13 @@ int ExportCommand::run(const QStringList &arguments)
     line.addArgument(QStringLiteral("FILE"), QStringLiteral("The lesson archive or folder."));
     line.addArgument(QStringLiteral("OUTDIR"), QStringLiteral("A new or empty folder for the web lesson."));
     line.addOption(QCommandLineOption(QStringLiteral("html"), QStringLiteral("Export as a web lesson (the only form).")));
+    line.addOption(RenderLimits::option());
     const int status = line.parse(arguments);
     if (status >= 0)
         return status;
+    QString limitError;
+    if (!RenderLimits::apply(line, &limitError))
+        return Console::usage(QStringLiteral("%1: %2").arg(line.command(), limitError), line.usageLine());
     if (!line.isSet(QStringLiteral("html")))
         return Console::usage(QStringLiteral("export: name the form, --html"), line.usageLine());
     const QString folder = line.argument(1);

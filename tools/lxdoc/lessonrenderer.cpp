@@ -2,8 +2,10 @@
 #include "lessonrenderer.h"
 
 #include "console.h"
+#include "drawingcost.h"
 #include "lessonpages.h"
 #include "pagesvgadapter.h"
+#include "renderlimits.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,13 +16,14 @@
 #include <QPdfWriter>
 #include <QSvgRenderer>
 
+#include <cmath>
+
 namespace {
 
-// Larger pages are damaged page files, not boards.
-const int kMaxSide = 20000;
-// An image larger than this (256 MiB of pixels) is refused rather than
-// allocated.
-const qint64 kMaxPixels = qint64(8192) * 8192;
+QString number(double value)
+{
+    return QString::number(value, 'g', 15);
+}
 
 } // namespace
 
@@ -81,7 +84,7 @@ bool LessonRenderer::writePdf(const QString &partial, const QString &file)
             writer.newPage();
         else if (!painter.begin(&writer))
             return fail(QStringLiteral("cannot write '%1'").arg(file));
-        if (!paintPage(painter, svg, QRectF(QPointF(), QSizeF(size))))
+        if (!paintPage(painter, svg, QRectF(QPointF(), QSizeF(size)), index))
             return false;
     }
     Console::endProgress();
@@ -100,8 +103,10 @@ bool LessonRenderer::pageSvg(int index, QByteArray *svg, QSize *size)
     if (!page)
         return fail(m_pages.pageFailure(index));
     page->getPageSize(*size);
-    if (size->isEmpty() || size->width() > kMaxSide || size->height() > kMaxSide)
-        return fail(QStringLiteral("page %1 has an unusable size (%2x%3)").arg(index + 1).arg(size->width()).arg(size->height()));
+    const double side = RenderLimits::current().side;
+    if (size->isEmpty() || size->width() > side || size->height() > side)
+        return fail(QStringLiteral("page %1 has an unusable size (%2x%3; the limit of a side is %4, --limit side)")
+                        .arg(index + 1).arg(size->width()).arg(size->height()).arg(number(side)));
     QFile file(m_pages.pageFile(index));
     if (!file.open(QIODevice::ReadOnly))
         return fail(QStringLiteral("page %1 cannot be read (%2)").arg(index + 1).arg(file.errorString()));
@@ -118,23 +123,33 @@ bool LessonRenderer::renderImage(int index, const QString &path)
     if (!pageSvg(index, &svg, &size))
         return false;
     const QSize pixels = outputSize(size);
-    if (qint64(pixels.width()) * pixels.height() > kMaxPixels)
-        return fail(QStringLiteral("page %1 would be %2x%3 pixels, more than the limit of %4")
-                        .arg(index + 1).arg(pixels.width()).arg(pixels.height()).arg(kMaxPixels));
+    const double limit = RenderLimits::current().pixels;
+    if (double(pixels.width()) * pixels.height() > limit)
+        return fail(QStringLiteral("page %1 would be %2x%3 pixels, more than the limit of %4 (--limit pixels)")
+                        .arg(index + 1).arg(pixels.width()).arg(pixels.height()).arg(number(limit)));
     QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+    // Only a raised limit gets here with an image Qt cannot hold.
+    if (image.isNull())
+        return fail(QStringLiteral("page %1: no memory for %2x%3 pixels").arg(index + 1).arg(pixels.width()).arg(pixels.height()));
     image.fill(Qt::white);
     QPainter painter(&image);
-    if (!paintPage(painter, svg, QRectF(image.rect())))
+    if (!paintPage(painter, svg, QRectF(image.rect()), index))
         return false;
     painter.end();
     return image.save(path, "PNG") || fail(QStringLiteral("cannot write '%1'").arg(path));
 }
 
-bool LessonRenderer::paintPage(QPainter &painter, const QByteArray &svg, const QRectF &target)
+bool LessonRenderer::paintPage(QPainter &painter, const QByteArray &svg, const QRectF &target, int index)
 {
     QSvgRenderer renderer(svg);
     if (!renderer.isValid())
         return fail(QStringLiteral("a page cannot be drawn"));
+    // Counted at the size drawn: the same page costs more the larger it is.
+    const double cost = DrawingCost::of(renderer, target.size().toSize());
+    const double limit = RenderLimits::current().drawing;
+    if (cost > limit)
+        return fail(QStringLiteral("page %1 would take %2 steps to draw, more than the limit of %3 (--limit drawing)")
+                        .arg(index + 1).arg(number(std::round(cost))).arg(number(limit)));
     renderer.render(&painter, target);
     return true;
 }

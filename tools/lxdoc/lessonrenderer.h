@@ -29,7 +29,7 @@ public:
 private:
     bool writePdf(const QString &partial, const QString &file);
     bool renderImage(int index, const QString &path);
-    bool paintPage(QPainter &painter, const QByteArray &svg, const QRectF &target);
+    bool paintPage(QPainter &painter, const QByteArray &svg, const QRectF &target, int index);
     QSize outputSize(QSize page) const;
     bool fail(const QString &reason);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "markupfilter.h"
 
+#include "renderlimits.h"
 #include "svgnumbers.h"
 #include "svgtree.h"
 
@@ -11,13 +12,6 @@
 #include <cmath>
 
 namespace {
-
-// Longer values are damage, not drawing: a 100,000-point stroke takes
-// under 2 MB.
-const int kMaxValueLength = 4 * 1024 * 1024;
-const int kMaxTextLength = 64 * 1024;
-// No board is larger than this in any unit it is drawn in.
-const double kMaxCoordinate = 1e6;
 
 // Only what a board draws; "use", patterns and animation are left out with
 // scripts because they repeat or change the drawing beyond the page's text.
@@ -68,7 +62,7 @@ bool MarkupFilter::isDrawable(const SvgNode &element)
     for (const QXmlStreamAttribute &attribute : element.attributes) {
         const QString name = attribute.qualifiedName().toString();
         const QString value = attribute.value().toString();
-        if (value.size() > kMaxValueLength && !isHref(name))
+        if (value.size() > RenderLimits::current().value && !isHref(name))
             return false;
         if (geometryAttributes().contains(name) && !isSaneGeometry(value))
             return false;
@@ -95,7 +89,7 @@ bool MarkupFilter::keepsAttribute(const QString &name, const QString &value)
 
 bool MarkupFilter::keepsText(const QString &text)
 {
-    return text.size() <= kMaxTextLength;
+    return text.size() <= RenderLimits::current().text;
 }
 
 bool MarkupFilter::isSaneGeometry(const QString &value)
@@ -105,6 +99,7 @@ bool MarkupFilter::isSaneGeometry(const QString &value)
     if (notANumber.match(value).hasMatch())
         return false;
     const QList<double> numbers = SvgNumbers::parse(value);
+    const double largest = RenderLimits::current().coordinate;
     return std::all_of(numbers.begin(), numbers.end(),
-                       [](double number) { return std::isfinite(number) && std::fabs(number) <= kMaxCoordinate; });
+                       [largest](double number) { return std::isfinite(number) && std::fabs(number) <= largest; });
 }

@@ -9,6 +9,7 @@
 #include "outputfile.h"
 #include "pagefolder.h"
 #include "privatetemp.h"
+#include "renderlimits.h"
 
 #include <QDir>
 #include <QSize>
@@ -26,9 +27,13 @@ int RenderCommand::run(const QStringList &arguments)
                                       QStringLiteral("FILE")));
     line.addOption(QCommandLineOption(QStringLiteral("force"), QStringLiteral("Write into an OUTDIR that holds other files, "
                                                                               "and replace a FILE that is not a PDF.")));
+    line.addOption(RenderLimits::option());
     const int status = line.parse(arguments);
     if (status >= 0)
         return status;
+    QString limitError;
+    if (!RenderLimits::apply(line, &limitError))
+        return Console::usage(QStringLiteral("%1: %2").arg(line.command(), limitError), line.usageLine());
     QSize size;
     if (line.isSet(QStringLiteral("size")) && !CommandLine::parseSize(line.value(QStringLiteral("size")), &size))
         return Console::usage(QStringLiteral("render: --size takes WIDTHxHEIGHT, for example 800x600"), line.usageLine());
