@@ -9,6 +9,10 @@
 #include <QFile>
 #include <QFileInfo>
 
+// A bound on wall time that catches a reader which never ends, not a slow
+// one: sanitizer builds on a shared two-core machine run many times slower.
+const qint64 kHangBoundMs = 180000;
+
 inline bool writeFile(const QString &path, const QByteArray &content = "x")
 {
     QFile file(path);

@@ -6,6 +6,7 @@
 // shade, a missing cap, head or misplaced picture differs by hundreds of
 // pixels.
 
+#include "testsupport.h"
 #include "lxdoc.h"
 
 #include <QDir>
@@ -219,7 +220,7 @@ QProcess *TestPageRender::runTool(const QStringList &arguments)
 {
     auto *tool = new QProcess(this);
     tool->start(QStringLiteral(LXDOC_BIN_DIR "/lxdoc"), arguments);
-    tool->waitForFinished(60000);
+    tool->waitForFinished(int(kHangBoundMs));
     return tool;
 }
 
@@ -392,7 +393,7 @@ void TestPageRender::hostilePageEndsQuickly()
     QString error;
     const QImage drawn = renderLesson(lesson, size.isEmpty() ? QStringList() : QStringList{QStringLiteral("--size"), size}, &error);
     QVERIFY2(!drawn.isNull(), qPrintable(error));
-    QVERIFY2(timer.elapsed() < 20000, qPrintable(QStringLiteral("took %1 ms").arg(timer.elapsed())));
+    QVERIFY2(timer.elapsed() < kHangBoundMs, qPrintable(QStringLiteral("took %1 ms").arg(timer.elapsed())));
     QCOMPARE(pixelsOf(drawn, kSecret), 0);
 }
 
@@ -434,7 +435,7 @@ void TestPageRender::limitsNamedAndRaisable()
     timer.start();
     const QString out = folder + QStringLiteral("-out");
     QProcess *tool = runTool(QStringList{QStringLiteral("render"), folder, out} + options);
-    QVERIFY(timer.elapsed() < 20000);
+    QVERIFY(timer.elapsed() < kHangBoundMs);
     const QByteArray error = tool->readAllStandardError();
     QCOMPARE(tool->exitCode(), reason.isEmpty() ? 0 : 1);
     QVERIFY2(error.contains(reason), error.constData());

@@ -3,6 +3,7 @@
 // terminal controls, paths longer than the system allows, and two packs at
 // once. Every input is generated here; every case looks only at exit
 // status, output and the files left behind.
+#include "testsupport.h"
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -43,11 +44,6 @@ const QByteArray kOnePage = manifest("<file href=\"page1.svg\"/>", "<file href=\
 const QByteArray kPage = "<svg width=\"400\" height=\"300\"><title>Sums</title></svg>";
 const QByteArray kRecord = "<record class=\"page\"><create gids=\"1\" time=\"0\"/></record>";
 
-bool writeFile(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(content) == content.size();
-}
 
 // A lesson folder from its manifest, page and record texts.
 bool writeLesson(const QString &folder, const QByteArray &manifestText, const QByteArray &page, const QByteArray &record)
@@ -197,7 +193,7 @@ private slots:
             const Run result = run(arguments + QStringList{lesson} + (render ? QStringList{pictures} : QStringList()));
             const QString what = arguments.first() + QStringLiteral(": ") + result.out.left(300) + result.err;
             QVERIFY2(result.finished, qPrintable(what));
-            QVERIFY2(result.ms < 20000, qPrintable(QStringLiteral("%1 took %2 ms").arg(arguments.first()).arg(result.ms)));
+            QVERIFY2(result.ms < kHangBoundMs, qPrintable(QStringLiteral("%1 took %2 ms").arg(arguments.first()).arg(result.ms)));
             if (arguments.first() == QLatin1String("check")) {
                 QCOMPARE(result.status, 1);
                 QVERIFY2(result.out.contains(finding), qPrintable(what));
@@ -212,7 +208,7 @@ private slots:
             // Raised, the limit lets the lesson be read, the file once.
             if (finding.contains(QLatin1String("than the limit of")) && arguments.first() == QLatin1String("check")) {
                 const Run raised = run({QStringLiteral("--limits=pages=20000"), QStringLiteral("check"), lesson});
-                QVERIFY2(raised.finished && raised.ms < 20000, qPrintable(raised.err));
+                QVERIFY2(raised.finished && raised.ms < kHangBoundMs, qPrintable(raised.err));
                 QCOMPARE(raised.out.count(QLatin1String("'page1.svg' is listed more than once")), 1);
                 QVERIFY2(!raised.out.contains(QLatin1String("than the limit of")), qPrintable(raised.out));
             }
