@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "archivebaselines.h"
 
+#include "benchsupport.h"
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -16,23 +18,7 @@ const QString PluginLevel = QStringLiteral("2");
 // The generated lesson's media, which the plug-in stores as they are.
 const QString StoredSuffixes = QStringLiteral(".mp4:.png");
 
-double median(QList<double> values)
-{
-    if (values.isEmpty())
-        return -1;
-    std::sort(values.begin(), values.end());
-    const int middle = int(values.size()) / 2;
-    return values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
-}
 
-void removePath(const QString &path)
-{
-    const QFileInfo info(path);
-    if (info.isDir())
-        QDir(path).removeRecursively();
-    else if (info.exists())
-        QFile::remove(path);
-}
 
 } // namespace
 
@@ -74,27 +60,27 @@ void ArchiveBaselines::timePacking(const QString &folder, const QString &scratch
 {
     const QString archive = scratch + QStringLiteral("/baseline.zip");
     for (Tool &packer : m_packers) {
-        removePath(archive);
+        BenchSupport::removePath(archive);
         const double ms = runOnce(packer, archive, QString(), folder);
         if (ms >= 0)
             packer.ms << ms;
         packer.bytes = QFileInfo(archive).size();
     }
-    removePath(archive);
+    BenchSupport::removePath(archive);
 }
 
 void ArchiveBaselines::timeUnpacking(const QString &archive, const QString &scratch)
 {
     const QString folder = scratch + QStringLiteral("/baseline-unpacked");
     for (Tool &unpacker : m_unpackers) {
-        removePath(folder);
+        BenchSupport::removePath(folder);
         // bsdtar extracts into a folder that exists; unzip makes its own.
         QDir().mkpath(folder);
         const double ms = runOnce(unpacker, archive, folder, scratch);
         if (ms >= 0)
             unpacker.ms << ms;
     }
-    removePath(folder);
+    BenchSupport::removePath(folder);
 }
 
 double ArchiveBaselines::runOnce(const Tool &tool, const QString &archive, const QString &folder,
@@ -120,7 +106,7 @@ QList<ArchiveBaselines::Figure> ArchiveBaselines::figures(const QList<Tool> &too
 {
     QList<Figure> result;
     for (const Tool &tool : tools)
-        result << Figure{tool.label, median(tool.ms), tool.target, tool.bytes};
+        result << Figure{tool.label, BenchSupport::median(tool.ms), tool.target, tool.bytes};
     return result;
 }
 

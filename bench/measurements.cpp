@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "measurements.h"
 
+#include "benchsupport.h"
 #include "lessonreader.h"
 #include "lxdoc.h"
 #include "tableprinter.h"
@@ -40,15 +41,6 @@ double elapsedMs(const QElapsedTimer &timer)
     return double(timer.nsecsElapsed()) / 1e6;
 }
 
-double median(QList<double> values)
-{
-    values.erase(std::remove(values.begin(), values.end(), -1.0), values.end());
-    if (values.isEmpty())
-        return -1;
-    std::sort(values.begin(), values.end());
-    const int middle = int(values.size()) / 2;
-    return values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
-}
 
 template <typename Field>
 double medianOf(const QList<Field> &runs, double Field::*member)
@@ -56,7 +48,7 @@ double medianOf(const QList<Field> &runs, double Field::*member)
     QList<double> values;
     for (const Field &run : runs)
         values << run.*member;
-    return median(values);
+    return BenchSupport::median(values);
 }
 
 double ratioOf(double value, double baseline)
@@ -72,14 +64,6 @@ qint64 folderBytes(const QString &folder, const QStringList &files)
     return total;
 }
 
-void removePath(const QString &path)
-{
-    const QFileInfo info(path);
-    if (info.isDir())
-        QDir(path).removeRecursively();
-    else if (info.exists())
-        QFile::remove(path);
-}
 
 // kB values of /proc/self/status ("VmHWM", "VmRSS").
 qint64 statusKib(const char *key)
@@ -175,8 +159,8 @@ bool Measurements::buildAndPack(const LessonShape &shape, LessonGenerator &gener
 {
     const QString folder = m_root + QLatin1String("/lesson");
     const QString archive = m_root + QLatin1String("/lesson.lzn");
-    removePath(folder);
-    removePath(archive);
+    BenchSupport::removePath(folder);
+    BenchSupport::removePath(archive);
     const Document document = newDocument();
     if (!document)
         return false;
@@ -532,6 +516,6 @@ double Measurements::plainSave(const QString &folder, const QStringList &files) 
         file.close();
         total += elapsedMs(timer);
     }
-    removePath(target);
+    BenchSupport::removePath(target);
     return total;
 }

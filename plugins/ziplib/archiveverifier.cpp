@@ -3,6 +3,7 @@
 
 #include "document/archivelimits.h"
 #include "fsutil.h"
+#include "packedtree.h"
 
 #include <QFile>
 
@@ -28,7 +29,7 @@ bool ArchiveVerifier::verify(const QString &archive, const QString &folder)
     const UniqueFd root(::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!root.isValid())
         return fail(FsUtil::errnoText(QStringLiteral("cannot open the working folder"), errno));
-    return readFolder(root.get(), QByteArray()) && compare();
+    return readFolder(root.get()) && compare();
 }
 
 QString ArchiveVerifier::errorString() const
@@ -52,35 +53,19 @@ bool ArchiveVerifier::readArchive(const QString &archive)
     return true;
 }
 
-bool ArchiveVerifier::readFolder(int dirFd, const QByteArray &prefix)
+bool ArchiveVerifier::readFolder(int rootFd)
 {
-    QList<QByteArray> names;
-    if (!FsUtil::listDir(dirFd, &names))
-        return fail(FsUtil::errnoText(QStringLiteral("cannot list folder ") + FsUtil::nameText(prefix), errno));
-    for (const QByteArray &name : std::as_const(names)) {
-        if (!readChild(dirFd, name, prefix))
-            return false;
-    }
-    return true;
-}
-
-// The same choice of entries as the packer makes.
-bool ArchiveVerifier::readChild(int dirFd, const QByteArray &name, const QByteArray &prefix)
-{
-    const QByteArray path = prefix + name;
-    struct stat info;
-    if (::fstatat(dirFd, name.constData(), &info, AT_SYMLINK_NOFOLLOW) != 0)
-        return fail(FsUtil::errnoText(QStringLiteral("cannot examine ") + FsUtil::nameText(path), errno));
-    const bool isArchive = info.st_dev == m_archive.st_dev && info.st_ino == m_archive.st_ino;
-    if (!(S_ISDIR(info.st_mode) || S_ISREG(info.st_mode)) || isArchive)
+    const struct stat archive = m_archive;
+    PackedTree tree(
+        [archive](const struct stat &info) { return info.st_dev == archive.st_dev && info.st_ino == archive.st_ino; },
+        [this](const QByteArray &path, const struct stat &) {
+            m_folder[path] = Entry();
+            return true;
+        },
+        [this](int dirFd, const QByteArray &name, const QByteArray &path) { return readFile(dirFd, name, path); });
+    if (tree.walk(rootFd))
         return true;
-    if (S_ISREG(info.st_mode))
-        return readFile(dirFd, name, path);
-    const UniqueFd sub = FsUtil::openDir(dirFd, name);
-    if (!sub.isValid())
-        return fail(FsUtil::errnoText(QStringLiteral("cannot open folder ") + FsUtil::nameText(path), errno));
-    m_folder[path + '/'] = Entry();
-    return readFolder(sub.get(), path + '/');
+    return m_error.isEmpty() ? fail(tree.errorString()) : false;
 }
 
 bool ArchiveVerifier::readFile(int dirFd, const QByteArray &name, const QByteArray &path)

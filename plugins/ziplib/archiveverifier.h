@@ -29,8 +29,7 @@ private:
     };
 
     bool readArchive(const QString &archive);
-    bool readFolder(int dirFd, const QByteArray &prefix);
-    bool readChild(int dirFd, const QByteArray &name, const QByteArray &prefix);
+    bool readFolder(int rootFd);
     bool readFile(int dirFd, const QByteArray &name, const QByteArray &path);
     bool compare();
     bool fail(const QString &what);

@@ -2,6 +2,7 @@
 #include "zipwriter.h"
 
 #include "fsutil.h"
+#include "packedtree.h"
 
 #include <QSet>
 
@@ -66,40 +67,12 @@ bool ZipWriter::open(int fd)
 
 bool ZipWriter::addTree(int rootFd, const SkipTest &skip)
 {
-    m_skip = skip;
-    return addFolder(rootFd, QByteArray());
-}
-
-bool ZipWriter::addFolder(int dirFd, const QByteArray &prefix)
-{
-    QList<QByteArray> names;
-    if (!FsUtil::listDir(dirFd, &names))
-        return fail(FsUtil::errnoText(QStringLiteral("cannot list folder ") + FsUtil::nameText(prefix), errno));
-    for (const QByteArray &name : std::as_const(names)) {
-        if (!addChild(dirFd, name, prefix))
-            return false;
-    }
-    return true;
-}
-
-bool ZipWriter::addChild(int dirFd, const QByteArray &name, const QByteArray &prefix)
-{
-    const QByteArray path = prefix + name;
-    struct stat info;
-    if (::fstatat(dirFd, name.constData(), &info, AT_SYMLINK_NOFOLLOW) != 0)
-        return fail(FsUtil::errnoText(QStringLiteral("cannot examine ") + FsUtil::nameText(path), errno));
-    // Links may point anywhere, sockets and pipes hold no document data.
-    if (!(S_ISDIR(info.st_mode) || S_ISREG(info.st_mode)) || (m_skip && m_skip(info)))
+    PackedTree tree(
+        skip, [this](const QByteArray &path, const struct stat &info) { return writeHeader(path, info); },
+        [this](int dirFd, const QByteArray &name, const QByteArray &path) { return addFile(dirFd, name, path); });
+    if (tree.walk(rootFd))
         return true;
-    // Leaving a file out would lose it silently; refusing keeps the old archive.
-    if (!FsUtil::isValidUtf8(path))
-        return fail(QStringLiteral("file name is not valid UTF-8: ") + FsUtil::nameText(path));
-    if (S_ISREG(info.st_mode))
-        return addFile(dirFd, name, path);
-    const UniqueFd sub = FsUtil::openDir(dirFd, name);
-    if (!sub.isValid())
-        return fail(FsUtil::errnoText(QStringLiteral("cannot open folder ") + FsUtil::nameText(path), errno));
-    return writeHeader(path + '/', info) && addFolder(sub.get(), path + '/');
+    return m_error.isEmpty() ? fail(tree.errorString()) : false;
 }
 
 bool ZipWriter::addFile(int dirFd, const QByteArray &name, const QByteArray &path)

@@ -3,11 +3,11 @@
 #define ZIPLIB_ZIPWRITER_H
 
 #include "archivehandle.h"
+#include "packedtree.h"
 
 #include <QByteArray>
 #include <QString>
 
-#include <functional>
 #include <memory>
 #include <sys/stat.h>
 #include <vector>
@@ -20,7 +20,7 @@
 class ZipWriter {
 public:
     // Files the writer must leave out (its own output lying in the folder).
-    using SkipTest = std::function<bool(const struct stat &)>;
+    using SkipTest = PackedTree::SkipTest;
 
     // Files larger than storeFrom bytes are stored as they are.
     explicit ZipWriter(qint64 storeFrom);
@@ -32,8 +32,6 @@ public:
     static bool isCompressedMedia(const QByteArray &name);
 
 private:
-    bool addFolder(int dirFd, const QByteArray &prefix);
-    bool addChild(int dirFd, const QByteArray &name, const QByteArray &prefix);
     bool addFile(int dirFd, const QByteArray &name, const QByteArray &path);
     bool writeHeader(const QByteArray &path, const struct stat &info);
     void anchorCompressorMemory(bool deflated);
@@ -43,7 +41,6 @@ private:
 
     ArchiveWriter m_archive;
     const qint64 m_storeFrom;
-    SkipTest m_skip;
     std::vector<char> m_buffer;
     std::unique_ptr<char[]> m_heapAnchor;
     QString m_error;
