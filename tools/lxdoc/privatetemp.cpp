@@ -27,35 +27,57 @@ const int kPathSize = 4096;
 char g_paths[kSlots][kPathSize];
 std::atomic<bool> g_used[kSlots];
 
-// No Qt here: this also runs in the signal handler, where the interrupted
-// code may be inside Qt or the allocator with a lock held.
-void removeBelow(int parent, const char *name)
+// No Qt and no allocation here: this also runs in the signal handler, where
+// the interrupted code may be inside Qt or the allocator; a single-threaded
+// process takes no allocator lock, so a handler that allocated could break
+// the heap instead of waiting. Entries are read with getdents64 into a buffer
+// on the stack, because opendir and readdir allocate.
+const int kMaxDepth = 512;
+
+bool removeBelow(int parent, const char *name, int depth);
+
+bool isDots(const char *name)
 {
-    const int fd = ::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (fd >= 0) {
-        if (DIR *dir = ::fdopendir(fd)) {
-            while (const dirent *entry = ::readdir(dir)) {
-                if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
-                    removeBelow(::dirfd(dir), entry->d_name);
-            }
-            ::closedir(dir);
-        } else {
-            ::close(fd);
-        }
-        ::unlinkat(parent, name, AT_REMOVEDIR);
-        return;
-    }
-    ::unlinkat(parent, name, 0);
+    return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0));
 }
 
-// A signal handler may not allocate, so it removes with the plain
-// recursive walk; a tree deeper than the descriptor limit may stay, and a
-// later run removes it as a leftover.
+int removeEntries(int fd, int depth)
+{
+    alignas(dirent64) char buffer[2048];
+    int removed = 0;
+    for (;;) {
+        const ssize_t size = ::getdents64(fd, buffer, sizeof buffer);
+        if (size <= 0)
+            return removed;
+        for (ssize_t at = 0; at < size;) {
+            const auto *entry = reinterpret_cast<const dirent64 *>(buffer + at);
+            at += entry->d_reclen;
+            if (!isDots(entry->d_name) && removeBelow(fd, entry->d_name, depth + 1))
+                ++removed;
+        }
+    }
+}
+
+bool removeBelow(int parent, const char *name, int depth)
+{
+    const int fd = depth < kMaxDepth ? ::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC) : -1;
+    if (fd < 0)
+        return ::unlinkat(parent, name, 0) == 0;
+    // A listing read while its entries go may skip some, so it is read
+    // again until a pass removes nothing.
+    while (removeEntries(fd, depth) > 0)
+        ::lseek(fd, 0, SEEK_SET);
+    ::close(fd);
+    return ::unlinkat(parent, name, AT_REMOVEDIR) == 0;
+}
+
+// A tree deeper than the handler walks may stay; a later run removes it as a
+// leftover.
 void onSignal(int number)
 {
     for (int slot = 0; slot < kSlots; ++slot) {
         if (g_used[slot].load())
-            removeBelow(AT_FDCWD, g_paths[slot]);
+            removeBelow(AT_FDCWD, g_paths[slot], 0);
     }
     // The shell's convention: 128 plus the signal number.
     ::_exit(128 + number);
