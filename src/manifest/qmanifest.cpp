@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "manifest/qmanifest.h"
 
+#include "manifest/listtextmemo.h"
 #include "xml/xmlstream.h"
 
 #include <utility>
@@ -18,20 +19,8 @@ const char *const kHref = "href";
 const char *const kNewResourceOrder[] = {"pages",  "records",  "images",     "sounds",
                                          "flashes", "avmedia", "fillblocks", "attachments"};
 
-// Whether a node is exactly what setResourceList makes for one entry: a
-// "file" element with the entry as its only attribute and one empty text
-// node. A parsed file never yields an empty text node, so an element read
-// from disk never passes.
-bool isEntryFor(const QDomNode &node, const QString &entry, const QString &fileName, const QString &href)
-{
-    if (!node.isElement())
-        return false;
-    const QDomElement element = node.toElement();
-    const QDomNode text = element.firstChild();
-    return text.nodeType() == QDomNode::TextNode && text.nodeValue().isEmpty() && text.nextSibling().isNull()
-        && element.tagName() == fileName && element.namespaceURI().isNull() && element.attributes().count() == 1
-        && element.attribute(href) == entry;
-}
+// List entries sit two levels into the document: manifest, resource, file.
+const int kEntryDepth = 2;
 
 QDomNode childAt(const QDomNode &parent, int position)
 {
@@ -112,7 +101,7 @@ bool QManifest::loadManifestFile(const QString &path)
 void QManifest::saveFile()
 {
     if (m_stream)
-        m_stream->saveFile();
+        m_stream->saveFile(knownLists());
 }
 
 void QManifest::closeFile(bool save)
@@ -148,12 +137,21 @@ bool QManifest::setResourceList(QStringList &list, const QString &identifier)
     const QDomNode resource = findResource(identifier);
     if (resource.isNull())
         return false;
+    QStringList texts;
+    ListTextMemo::take(resource, list, &texts);
+    texts.clear();
     m_stream->removeAllChildNotes(resource);
+    bool complete = true;
     for (const QString &entry : std::as_const(list)) {
         const QDomNode file = m_stream->newChildNode(resource, QString::fromLatin1(kFile), QString());
-        if (!file.isNull())
+        complete = complete && !file.isNull();
+        if (!file.isNull()) {
             m_stream->setNodeAttribute(file, QString::fromLatin1(kHref), entry, true);
+            texts.append(m_stream->getFileText(file, kEntryDepth));
+        }
     }
+    if (complete)
+        ListTextMemo::put(resource, list, texts);
     return true;
 }
 
@@ -215,6 +213,7 @@ void QManifest::closeStream(bool save)
     if (!m_stream)
         return;
     m_stream->closeFile(save);
+    ListTextMemo::forget(m_root);
     delete m_stream;
     m_stream = nullptr;
 }
@@ -226,17 +225,20 @@ QDomNode QManifest::findResource(const QString &identifier)
     return m_stream->getChildNodeByAttribute(m_root, QString::fromLatin1(kIdentifier), identifier);
 }
 
-// A list element that already holds the list as setResourceList writes it
-// takes a change as one node: rewriting the whole element on every insert
-// made building a lesson quadratic in its pages. Any other element (just
-// read from disk, or written from another list) is rewritten as before.
+// A list element that holds the list as setResourceList writes it, with
+// its entries' text remembered, takes a change as one node: rewriting the
+// whole element on every insert made building a lesson quadratic in its
+// pages. Any other element (just read from disk, or written from another
+// list) is rewritten as before.
 bool QManifest::insertPage(QStringList &list, const QString &identifier, int index,
                            const QString &fileName)
 {
     if (!m_stream)
         return false;
     const QDomNode resource = findResource(identifier);
-    const bool inStep = holdsExactly(resource, list);
+    QStringList texts;
+    // Taken before the list changes, so the change does not copy the list.
+    const bool inStep = ListTextMemo::take(resource, list, &texts);
     int position = -1;
     if (list.isEmpty() || index == -1)
         position = 0;
@@ -249,8 +251,8 @@ bool QManifest::insertPage(QStringList &list, const QString &identifier, int ind
         list.insert(position, fileName);
     if (!inStep)
         return setResourceList(list, identifier);
-    if (position >= 0)
-        insertEntry(resource, list, position);
+    if (position < 0 || insertEntry(resource, list, position, texts))
+        ListTextMemo::put(resource, list, texts);
     return true;
 }
 
@@ -259,52 +261,68 @@ bool QManifest::deletePage(QStringList &list, const QString &identifier, const Q
     if (!m_stream)
         return false;
     const QDomNode resource = findResource(identifier);
-    const bool inStep = holdsExactly(resource, list);
+    QStringList texts;
+    const bool inStep = ListTextMemo::take(resource, list, &texts);
     const int position = int(list.indexOf(fileName));
     if (position >= 0)
         list.removeAt(position);
     if (!inStep)
         return setResourceList(list, identifier);
-    if (position >= 0)
+    if (position >= 0) {
         m_stream->removeNode(childAt(resource, position));
+        texts.removeAt(position);
+    }
+    ListTextMemo::put(resource, list, texts);
     return true;
 }
 
 bool QManifest::appendResource(QStringList &list, const QString &identifier, const QString &fileName)
 {
     const QDomNode resource = findResource(identifier);
-    const bool inStep = holdsExactly(resource, list);
+    QStringList texts;
+    const bool inStep = ListTextMemo::take(resource, list, &texts);
     list.append(fileName);
     if (!inStep)
         return setResourceList(list, identifier);
-    insertEntry(resource, list, int(list.size()) - 1);
+    if (insertEntry(resource, list, int(list.size()) - 1, texts))
+        ListTextMemo::put(resource, list, texts);
     return true;
-}
-
-bool QManifest::holdsExactly(const QDomNode &resource, const QStringList &list) const
-{
-    if (resource.isNull())
-        return false;
-    const QString file = QString::fromLatin1(kFile);
-    const QString href = QString::fromLatin1(kHref);
-    QDomNode child = resource.firstChild();
-    for (const QString &entry : list) {
-        if (!isEntryFor(child, entry, file, href))
-            return false;
-        child = child.nextSibling();
-    }
-    return child.isNull();
 }
 
 // The same node setResourceList makes for the list's entry at the position,
 // put where that entry stands. Appending, the common case, walks nothing.
-void QManifest::insertEntry(const QDomNode &resource, const QStringList &list, int position)
+// False when the node could not be made: the element then no longer
+// mirrors the list, and the next change rewrites it.
+bool QManifest::insertEntry(const QDomNode &resource, const QStringList &list, int position, QStringList &texts)
 {
     const QDomNode next = position + 1 < list.size() ? childAt(resource, position) : QDomNode();
     const QDomNode file = m_stream->newChildNode(resource, QString::fromLatin1(kFile), QString());
     if (file.isNull())
-        return;
+        return false;
     m_stream->setNodeAttribute(file, QString::fromLatin1(kHref), list.at(position), true);
     if (!next.isNull())
         QDomNode(resource).insertBefore(file, next);
+    texts.insert(position, m_stream->getFileText(file, kEntryDepth));
+    return true;
+}
+
+// What a save needs not walk: every list element whose entries' text is
+// remembered, each with the member list that writes it (the fillblocks
+// member writes both fillblocks and attachments).
+QVector<DomWriter::KnownChildren> QManifest::knownLists()
+{
+    const struct {
+        const char *identifier;
+        const QStringList *list;
+    } written[] = {{"pages", &m_pages},     {"records", &m_records},       {"images", &m_images},
+                   {"sounds", &m_sounds},   {"avmedia", &m_avmedia},       {"flashes", &m_flashes},
+                   {"fillblocks", &m_fillblocks}, {"attachments", &m_fillblocks}};
+    QVector<DomWriter::KnownChildren> known;
+    for (const auto &entry : written) {
+        const QDomNode resource = findResource(QString::fromLatin1(entry.identifier));
+        const QString text = ListTextMemo::text(resource, *entry.list);
+        if (!text.isEmpty())
+            known.append({resource, text});
+    }
+    return known;
 }

@@ -2,6 +2,8 @@
 #ifndef LXDOC_QMANIFEST_H
 #define LXDOC_QMANIFEST_H
 
+#include "xml/domwriter.h"
+
 #include <QDomNode>
 #include <QStringList>
 
@@ -43,8 +45,8 @@ private:
     bool insertPage(QStringList &list, const QString &identifier, int index, const QString &fileName);
     bool deletePage(QStringList &list, const QString &identifier, const QString &fileName);
     bool appendResource(QStringList &list, const QString &identifier, const QString &fileName);
-    bool holdsExactly(const QDomNode &resource, const QStringList &list) const;
-    void insertEntry(const QDomNode &resource, const QStringList &list, int position);
+    bool insertEntry(const QDomNode &resource, const QStringList &list, int position, QStringList &texts);
+    QVector<DomWriter::KnownChildren> knownLists();
 
     QXmlStream *m_stream = nullptr;
     QDomNode m_root;

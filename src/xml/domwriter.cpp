@@ -77,14 +77,15 @@ const int kMaxIndentDepth = 32;
 
 } // namespace
 
-DomWriter::DomWriter(int indent)
+DomWriter::DomWriter(int indent, const QVector<KnownChildren> &known)
     : m_indent(indent)
+    , m_known(known)
 {
 }
 
-QString DomWriter::toString(const QDomNode &node, int indent)
+QString DomWriter::toString(const QDomNode &node, int indent, const QVector<KnownChildren> &known)
 {
-    DomWriter writer(indent);
+    DomWriter writer(indent, known);
     if (node.isDocument())
         writer.writeDocument(node);
     else
@@ -92,9 +93,16 @@ QString DomWriter::toString(const QDomNode &node, int indent)
     return writer.m_out;
 }
 
-QByteArray DomWriter::toUtf8(const QDomNode &node, int indent)
+QByteArray DomWriter::toUtf8(const QDomNode &node, int indent, const QVector<KnownChildren> &known)
 {
-    return toString(node, indent).toUtf8();
+    return toString(node, indent, known).toUtf8();
+}
+
+QString DomWriter::nodeText(const QDomNode &node, int indent, int depth)
+{
+    DomWriter writer(indent, {});
+    writer.writeNode(node, depth);
+    return writer.m_out;
 }
 
 void DomWriter::writeDocument(const QDomNode &document)
@@ -240,7 +248,19 @@ bool DomWriter::openElement(const QDomElement &element, int depth)
     }
     if (!first.isText())
         writeNewline();
-    return true;
+    return !writeKnownChildren(element, depth);
+}
+
+bool DomWriter::writeKnownChildren(const QDomElement &element, int depth)
+{
+    for (const KnownChildren &known : m_known) {
+        if (known.element == element) {
+            m_out += known.text;
+            closeElement(element, depth);
+            return true;
+        }
+    }
+    return false;
 }
 
 void DomWriter::closeElement(const QDomElement &element, int depth)

@@ -17,16 +17,26 @@
 // whatever the tree holds, the text always parses again.
 class DomWriter {
 public:
-    static QString toString(const QDomNode &node, int indent);
-    static QByteArray toUtf8(const QDomNode &node, int indent);
+    // The text of an element's children, known beforehand: the writer puts
+    // it in place of walking them. It must be what the walk would write.
+    struct KnownChildren {
+        QDomNode element;
+        QString text;
+    };
+
+    static QString toString(const QDomNode &node, int indent, const QVector<KnownChildren> &known = {});
+    static QByteArray toUtf8(const QDomNode &node, int indent, const QVector<KnownChildren> &known = {});
+    // One node as the writer puts it at the given depth of a document.
+    static QString nodeText(const QDomNode &node, int indent, int depth);
 
 private:
-    explicit DomWriter(int indent);
+    DomWriter(int indent, const QVector<KnownChildren> &known);
 
     void writeDocument(const QDomNode &document);
     void writeNode(const QDomNode &top, int depth);
     bool openNode(const QDomNode &node, int depth);
     bool openElement(const QDomElement &element, int depth);
+    bool writeKnownChildren(const QDomElement &element, int depth);
     void closeElement(const QDomElement &element, int depth);
     void writeEndTag(const QString &name, const QDomElement &element);
     static bool isName(const QString &name, QString &lastGood);
@@ -43,6 +53,7 @@ private:
     void writeQuoted(const QString &text);
 
     const int m_indent;
+    const QVector<KnownChildren> m_known;
     QString m_out;
     QString m_spaces;
     QVector<QDomAttr> m_attributes;

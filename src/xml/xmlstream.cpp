@@ -208,6 +208,11 @@ QString &QXmlStream::getXmlFileName()
 
 bool QXmlStream::saveFile()
 {
+    return saveFile({});
+}
+
+bool QXmlStream::saveFile(const QVector<DomWriter::KnownChildren> &known)
+{
     m_file.close();
     if (m_file.fileName().isEmpty())
         return false;
@@ -217,7 +222,7 @@ bool QXmlStream::saveFile()
     // file still gets the file written in place.
     QSaveFile out(m_file.fileName());
     out.setDirectWriteFallback(true);
-    const QByteArray bytes = DomWriter::toUtf8(m_document, fileIndent);
+    const QByteArray bytes = DomWriter::toUtf8(m_document, fileIndent, known);
     if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit())
         return false;
     // The file stays open on purpose: closing with save, or the destructor,
@@ -227,6 +232,11 @@ bool QXmlStream::saveFile()
         return false;
     }
     return true;
+}
+
+QString QXmlStream::getFileText(const QDomNode &node, int depth) const
+{
+    return DomWriter::nodeText(node, fileIndent, depth);
 }
 
 bool QXmlStream::closeFile(bool save)

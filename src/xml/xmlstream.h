@@ -5,6 +5,8 @@
 // Holds the class QXmlStream; the file is not called qxmlstream.h because Qt
 // ships a header of that name.
 
+#include "domwriter.h"
+
 #include <QDomDocument>
 #include <QDomNode>
 #include <QFile>
@@ -31,6 +33,10 @@ public:
     bool setXmlFileName(const QString &fileName);
     QString &getXmlFileName();
     bool saveFile();
+    // The same, with the text of some elements' children known beforehand.
+    bool saveFile(const QVector<DomWriter::KnownChildren> &known);
+    // A node as a save writes it at the given depth of the document.
+    QString getFileText(const QDomNode &node, int depth) const;
     bool closeFile(bool save);
     QString &getXmlStream();
     QDomNode getRootNode();

@@ -93,6 +93,8 @@ private slots:
                                                 << QStringList({"b"});
         QTest::newRow("element written from another list") << "foreign" << QStringList({"f 1 b", "-r a"})
                                                            << QStringList({"a", "b"});
+        QTest::newRow("list changed from outside") << "new" << QStringList({"f 0 a", "r 0 a", "x o", "f 9 b", "r 9 b"})
+                                                   << QStringList({"a", "o", "b"});
         QTest::newRow("resources after a reopening") << "reloaded" << QStringList({"i x", "i y", "fb u", "at v", "fb w"})
                                                      << QStringList({"a"});
     }
@@ -133,15 +135,23 @@ private slots:
                 (kind == "-f" ? manifest.deleteFrontPage(name) : manifest.deleteRecPage(name));
             else if (kind == "i")
                 manifest.addImageFile(name);
+            else if (kind == "x")
+                manifest.getPagesList().append(name);
             else
                 (kind == "fb" ? manifest.addFillblockFile(name) : manifest.addAttachment(name));
             const QHash<QString, QString> lists = {{"f", "pages"},   {"-f", "pages"},      {"r", "records"},
                                                    {"-r", "records"}, {"i", "images"},     {"fb", "fillblocks"},
-                                                   {"at", "attachments"}};
+                                                   {"at", "attachments"}, {"x", "pages"}};
             edited << lists.value(kind);
         }
         QCOMPARE(manifest.getPagesList(), pages);
+        // A save during editing writes remembered entries; closing walks them all.
+        manifest.saveFile();
+        const QByteArray saved = readBytes(path());
         manifest.closeFile(true);
+        if (edited.contains("pages"))
+            QCOMPARE(listed("pages"), pages);
+        QCOMPARE(saved, readBytes(path()));
 
         // The same start with every edited list rewritten whole.
         const QString rewritten = m_dir.filePath("rewritten.xml");
