@@ -6,6 +6,7 @@
 #include <QVector>
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace {
@@ -14,7 +15,7 @@ struct Entry {
     QDomNode parent;
     QDomNode element;
     QStringList list;
-    QStringList texts;
+    ListTextMemo::Texts texts;
 };
 
 // A host has a few lessons open at a time; a longer table would only hold
@@ -45,7 +46,22 @@ int find(const QDomNode &element)
 
 } // namespace
 
-bool ListTextMemo::take(const QDomNode &element, const QStringList &list, QStringList *texts)
+// Appending, the common case, adds up nothing.
+void ListTextMemo::Texts::insert(int position, const QString &text)
+{
+    const int offset = position == lengths.size() ? int(joined.size())
+                                                  : std::accumulate(lengths.cbegin(), lengths.cbegin() + position, 0);
+    joined.insert(offset, text);
+    lengths.insert(position, int(text.size()));
+}
+
+void ListTextMemo::Texts::remove(int position)
+{
+    joined.remove(std::accumulate(lengths.cbegin(), lengths.cbegin() + position, 0), lengths.at(position));
+    lengths.removeAt(position);
+}
+
+bool ListTextMemo::take(const QDomNode &element, const QStringList &list, Texts *texts)
 {
     if (element.isNull())
         return false;
@@ -60,7 +76,7 @@ bool ListTextMemo::take(const QDomNode &element, const QStringList &list, QStrin
     return true;
 }
 
-void ListTextMemo::put(const QDomNode &element, const QStringList &list, const QStringList &texts)
+void ListTextMemo::put(const QDomNode &element, const QStringList &list, const Texts &texts)
 {
     if (element.isNull())
         return;
@@ -82,7 +98,15 @@ QString ListTextMemo::text(const QDomNode &element, const QStringList &list)
     const int at = find(element);
     if (at < 0 || !list.isSharedWith(entries().at(at).list))
         return QString();
-    return entries().at(at).texts.join(QString());
+    return entries().at(at).texts.joined;
+}
+
+void ListTextMemo::drop(const QDomNode &element)
+{
+    const QMutexLocker lock(&mutex());
+    const int at = find(element);
+    if (at >= 0)
+        entries().removeAt(at);
 }
 
 void ListTextMemo::forget(const QDomNode &parent)

@@ -4,6 +4,7 @@
 
 #include <QDomNode>
 #include <QStringList>
+#include <QVector>
 
 // What a save writes for the entries of manifest list elements, kept from
 // one save to the next: the manifest is saved after every insert, and
@@ -15,11 +16,21 @@
 // the list and so drops the text.
 class ListTextMemo {
 public:
+    // The entries' text joined, as a save writes it, with each entry's length.
+    struct Texts {
+        QString joined;
+        QVector<int> lengths;
+
+        void insert(int position, const QString &text);
+        void remove(int position);
+    };
+
     // Takes out the texts of the element's entries when it mirrors the list.
-    static bool take(const QDomNode &element, const QStringList &list, QStringList *texts);
-    static void put(const QDomNode &element, const QStringList &list, const QStringList &texts);
+    static bool take(const QDomNode &element, const QStringList &list, Texts *texts);
+    static void put(const QDomNode &element, const QStringList &list, const Texts &texts);
     // The entries' joined text; null when the element does not mirror the list.
     static QString text(const QDomNode &element, const QStringList &list);
+    static void drop(const QDomNode &element);
     // Drops the texts of every element under the parent.
     static void forget(const QDomNode &parent);
 };

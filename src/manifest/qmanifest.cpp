@@ -137,9 +137,7 @@ bool QManifest::setResourceList(QStringList &list, const QString &identifier)
     const QDomNode resource = findResource(identifier);
     if (resource.isNull())
         return false;
-    QStringList texts;
-    ListTextMemo::take(resource, list, &texts);
-    texts.clear();
+    ListTextMemo::Texts texts;
     m_stream->removeAllChildNotes(resource);
     bool complete = true;
     for (const QString &entry : std::as_const(list)) {
@@ -147,11 +145,13 @@ bool QManifest::setResourceList(QStringList &list, const QString &identifier)
         complete = complete && !file.isNull();
         if (!file.isNull()) {
             m_stream->setNodeAttribute(file, QString::fromLatin1(kHref), entry, true);
-            texts.append(m_stream->getFileText(file, kEntryDepth));
+            texts.insert(int(texts.lengths.size()), m_stream->getFileText(file, kEntryDepth));
         }
     }
     if (complete)
         ListTextMemo::put(resource, list, texts);
+    else
+        ListTextMemo::drop(resource);
     return true;
 }
 
@@ -236,7 +236,7 @@ bool QManifest::insertPage(QStringList &list, const QString &identifier, int ind
     if (!m_stream)
         return false;
     const QDomNode resource = findResource(identifier);
-    QStringList texts;
+    ListTextMemo::Texts texts;
     // Taken before the list changes, so the change does not copy the list.
     const bool inStep = ListTextMemo::take(resource, list, &texts);
     int position = -1;
@@ -261,7 +261,7 @@ bool QManifest::deletePage(QStringList &list, const QString &identifier, const Q
     if (!m_stream)
         return false;
     const QDomNode resource = findResource(identifier);
-    QStringList texts;
+    ListTextMemo::Texts texts;
     const bool inStep = ListTextMemo::take(resource, list, &texts);
     const int position = int(list.indexOf(fileName));
     if (position >= 0)
@@ -270,7 +270,7 @@ bool QManifest::deletePage(QStringList &list, const QString &identifier, const Q
         return setResourceList(list, identifier);
     if (position >= 0) {
         m_stream->removeNode(childAt(resource, position));
-        texts.removeAt(position);
+        texts.remove(position);
     }
     ListTextMemo::put(resource, list, texts);
     return true;
@@ -279,7 +279,7 @@ bool QManifest::deletePage(QStringList &list, const QString &identifier, const Q
 bool QManifest::appendResource(QStringList &list, const QString &identifier, const QString &fileName)
 {
     const QDomNode resource = findResource(identifier);
-    QStringList texts;
+    ListTextMemo::Texts texts;
     const bool inStep = ListTextMemo::take(resource, list, &texts);
     list.append(fileName);
     if (!inStep)
@@ -293,7 +293,7 @@ bool QManifest::appendResource(QStringList &list, const QString &identifier, con
 // put where that entry stands. Appending, the common case, walks nothing.
 // False when the node could not be made: the element then no longer
 // mirrors the list, and the next change rewrites it.
-bool QManifest::insertEntry(const QDomNode &resource, const QStringList &list, int position, QStringList &texts)
+bool QManifest::insertEntry(const QDomNode &resource, const QStringList &list, int position, ListTextMemo::Texts &texts)
 {
     const QDomNode next = position + 1 < list.size() ? childAt(resource, position) : QDomNode();
     const QDomNode file = m_stream->newChildNode(resource, QString::fromLatin1(kFile), QString());

@@ -2,6 +2,7 @@
 #ifndef LXDOC_QMANIFEST_H
 #define LXDOC_QMANIFEST_H
 
+#include "manifest/listtextmemo.h"
 #include "xml/domwriter.h"
 
 #include <QDomNode>
@@ -45,7 +46,7 @@ private:
     bool insertPage(QStringList &list, const QString &identifier, int index, const QString &fileName);
     bool deletePage(QStringList &list, const QString &identifier, const QString &fileName);
     bool appendResource(QStringList &list, const QString &identifier, const QString &fileName);
-    bool insertEntry(const QDomNode &resource, const QStringList &list, int position, QStringList &texts);
+    bool insertEntry(const QDomNode &resource, const QStringList &list, int position, ListTextMemo::Texts &texts);
     QVector<DomWriter::KnownChildren> knownLists();
 
     QXmlStream *m_stream = nullptr;
