@@ -3,6 +3,8 @@
 #include "manifest/qmanifest.h"
 
 #include <QTemporaryDir>
+#include <thread>
+#include <vector>
 #include <QtTest>
 
 namespace {
@@ -164,6 +166,42 @@ private slots:
         }
         reference.closeFile(true);
         QCOMPARE(readBytes(path()), readBytes(rewritten));
+    }
+
+    // Lessons open in several threads at once each write their own lists.
+    void manifestsInSeveralThreads()
+    {
+        const int lessons = 6;
+        const int pages = 400;
+        std::vector<std::thread> threads;
+        std::vector<char> closed(lessons, 0);
+        for (int t = 0; t < lessons; ++t) {
+            threads.emplace_back([&, t] {
+                QManifest manifest;
+                if (!manifest.createManifestFile(m_dir.filePath(QStringLiteral("thread%1.xml").arg(t))))
+                    return;
+                for (int i = 0; i < pages; ++i) {
+                    const QString name = QStringLiteral("page%1-%2.svg").arg(t).arg(i);
+                    manifest.insertFrontPage(i % 3 == 0 ? 0 : i, name);
+                    manifest.insertRecPage(i, name);
+                }
+                manifest.closeFile(true);
+                closed[t] = 1;
+            });
+        }
+        for (std::thread &thread : threads)
+            thread.join();
+        for (int t = 0; t < lessons; ++t) {
+            QVERIFY(closed[t]);
+            const QString file = m_dir.filePath(QStringLiteral("thread%1.xml").arg(t));
+            QStringList expected;
+            for (int i = 0; i < pages; ++i) {
+                const QString name = QStringLiteral("page%1-%2.svg").arg(t).arg(i);
+                expected.insert(i % 3 == 0 ? 0 : qMin(i, int(expected.size())), name);
+            }
+            QCOMPARE(manifestList(file, "pages"), expected);
+            QCOMPARE(manifestList(file, "records").size(), pages);
+        }
     }
 
     void attachmentsAndFillblocksCross()
