@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QtTest>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -19,7 +20,8 @@ bool sameFloat(float a, float b)
 
 bool samePoints(const QList<QPointF> &a, const QList<QPointF> &b)
 {
-    return a.size() == b.size() && std::memcmp(a.constData(), b.constData(), size_t(a.size()) * sizeof(QPointF)) == 0;
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](const QPointF &p, const QPointF &q) { return std::memcmp(&p, &q, sizeof p) == 0; });
 }
 
 // The readings the files were designed around, with Qt's string classes.
