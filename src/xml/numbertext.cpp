@@ -202,10 +202,13 @@ public:
     ListAppender(const ListAppender &) = delete;
     ListAppender &operator=(const ListAppender &) = delete;
 
+    // Text that is not the library's (one long piece) can leave far fewer
+    // elements than estimated; the list then keeps no more room than its own
+    // growth would have left.
     ~ListAppender()
     {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-        m_list.resize(m_next - m_list.constData());
+        trim();
 #endif
     }
 
@@ -228,6 +231,13 @@ private:
         const qsizetype used = m_next - m_list.constData();
         m_list.resize(2 * used + 1);
         useCapacity(used);
+    }
+
+    Q_NEVER_INLINE void trim()
+    {
+        m_list.resize(m_next - m_list.constData());
+        if (2 * m_list.size() < m_list.capacity())
+            m_list.squeeze();
     }
 
     // The whole allocation becomes elements, written from index next on.
