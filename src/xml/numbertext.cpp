@@ -129,20 +129,17 @@ qsizetype pieceCount(QStringView text, char16_t sep)
 // unit which is neither a digit nor '.', such as the '\0' after a QString's
 // units or after the copy toFloat makes, and it never reads past that unit.
 
-// Appends the decimal digits at p to digits and returns where they end. More
-// than 19 digits wrap around, but those are refused by the caller anyway.
+// Appends the decimal digits at p to digits and returns how many there are.
+// More than 19 digits wrap around, but those are refused by the caller anyway.
 template <typename Unit>
-inline const Unit *readDigits(const Unit *p, quint64 &digits)
+inline qsizetype readDigits(const Unit *p, quint64 &digits)
 {
     quint64 value = digits;
-    for (;; ++p) {
-        const unsigned digit = unsigned(*p) - '0';
-        if (digit > 9)
-            break;
+    qsizetype count = 0;
+    for (unsigned digit; (digit = unsigned(p[count]) - '0') <= 9; ++count)
         value = value * 10 + digit;
-    }
     digits = value;
-    return p;
+    return count;
 }
 
 // A plain decimal of at most 15 digits ("-123.45") at p; returns where it
@@ -159,20 +156,19 @@ inline const Unit *plainDecimal(const Unit *p, float &value)
                                         1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
     const bool negative = *p == '-';
     p += negative;
-    const Unit *const first = p;
     quint64 digits = 0;
-    p = readDigits(p, digits);
-    if (p == first)
+    const qsizetype whole = readDigits(p, digits);
+    if (whole == 0)
         return nullptr;
-    int fraction = 0;
+    p += whole;
+    qsizetype fraction = 0;
     if (*p == '.') {
-        const Unit *const point = ++p;
-        p = readDigits(p, digits);
-        fraction = int(p - point);
+        fraction = readDigits(++p, digits);
         if (fraction == 0)
             return nullptr;
+        p += fraction;
     }
-    if (p - first - (fraction != 0) > 15)
+    if (whole + fraction > 15)
         return nullptr;
     const double exact = double(qint64(digits)) / powers[fraction];
     value = float(negative ? -exact : exact);
