@@ -204,7 +204,7 @@ public:
     ~ListAppender()
     {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-        trim();
+        trim(m_list, m_next - m_list.constData());
 #endif
     }
 
@@ -229,11 +229,13 @@ private:
         useCapacity(used);
     }
 
-    Q_NEVER_INLINE void trim()
+    // Out of line and without the appender, whose pointers can then stay
+    // in registers while the list is filled.
+    Q_NEVER_INLINE static void trim(QList<T> &list, qsizetype size)
     {
-        m_list.resize(m_next - m_list.constData());
-        if (2 * m_list.size() < m_list.capacity())
-            m_list.squeeze();
+        list.resize(size);
+        if (2 * list.size() < list.capacity())
+            list.squeeze();
     }
 
     // The whole allocation becomes elements, written from index next on.
