@@ -125,77 +125,140 @@ qsizetype pieceCount(QStringView text, char16_t sep)
     return count;
 }
 
-// Appends the decimal digits at p to digits and returns where they end. More
-// than 19 digits wrap around, but those are refused by the caller anyway.
-const char16_t *readDigits(const char16_t *p, const char16_t *end, quint64 &digits)
+// The plain reading below needs no length: it runs over text that ends in a
+// unit which is neither a digit nor '.', such as the '\0' after a QString's
+// units or after the copy toFloat makes, and it never reads past that unit.
+
+// Appends the decimal digits at p to digits and returns how many there are.
+// More than 19 digits wrap around, but those are refused by the caller anyway.
+template <typename Unit>
+inline qsizetype readDigits(const Unit *p, quint64 &digits)
 {
     quint64 value = digits;
-    for (; p < end; ++p) {
-        const unsigned digit = unsigned(*p) - u'0';
-        if (digit > 9)
-            break;
+    qsizetype count = 0;
+    for (unsigned digit; (digit = unsigned(p[count]) - '0') <= 9; ++count)
         value = value * 10 + digit;
-    }
     digits = value;
+    return count;
+}
+
+// A plain decimal of at most 15 digits ("-123.45") at p; returns where it
+// ends, or null when the text there is anything else, which is then read the
+// general way. The digits fit a double exactly and so does the power of ten,
+// so one division gives the correctly rounded double, the same from_chars
+// and Qt produce, and that double is then rounded to float as they do. The
+// float is the output on purpose: GCC 12 at -O2 drops the rounding of a
+// double-to-float-to-double pair stored side by side.
+template <typename Unit>
+inline const Unit *plainDecimal(const Unit *p, float &value)
+{
+    static constexpr double powers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7,
+                                        1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    const bool negative = *p == '-';
+    p += negative;
+    quint64 digits = 0;
+    const qsizetype whole = readDigits(p, digits);
+    if (whole == 0)
+        return nullptr;
+    p += whole;
+    qsizetype fraction = 0;
+    if (*p == '.') {
+        fraction = readDigits(++p, digits);
+        if (fraction == 0)
+            return nullptr;
+        p += fraction;
+    }
+    if (whole + fraction > 15)
+        return nullptr;
+    const double exact = double(qint64(digits)) / powers[fraction];
+    value = float(negative ? -exact : exact);
     return p;
 }
 
-// Plain decimals of at most 15 digits ("-123.45") starting at i and ending
-// at a ',' or ' ' or the end, where i is left (untouched when refused). The
-// digits fit a double exactly and so does the power of ten, so one division
-// gives the correctly rounded double, the same from_chars and Qt produce, and
-// that double is then rounded to float as they do. Anything else is refused
-// and read the general way. The float is the output on purpose: GCC 12 at -O2
-// drops the rounding of a double-to-float-to-double pair stored side by side.
-bool scanDecimal(QStringView text, qsizetype &i, float &value)
+// The units of a QString always end in a '\0'.
+const char16_t *unitsOf(const QString &text)
 {
-    static const double powers[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7,
-                                    1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-    const char16_t *const begin = reinterpret_cast<const char16_t *>(text.utf16());
-    const char16_t *const end = begin + text.size();
-    const char16_t *p = begin + i;
-    const bool negative = p < end && *p == u'-';
-    p += negative;
-    quint64 digits = 0;
-    const char16_t *const first = p;
-    p = readDigits(p, end, digits);
-    const int whole = int(p - first);
-    int fraction = 0;
-    if (whole > 0 && p < end && *p == u'.') {
-        const char16_t *const point = ++p;
-        p = readDigits(p, end, digits);
-        fraction = int(p - point);
-        if (fraction == 0)
-            return false;
+    return reinterpret_cast<const char16_t *>(text.utf16());
+}
+
+// Appends to a list through a pointer where the list is one array (Qt 6),
+// through the list's own append otherwise. The list is sized for an estimate
+// up front and trimmed to what was added when the appender ends.
+template <typename T>
+class ListAppender {
+public:
+    ListAppender(QList<T> &list, qsizetype expected) : m_list(list)
+    {
+        const qsizetype first = m_list.size();
+        m_list.reserve(first + expected);
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+        useCapacity(first);
+#endif
     }
-    if (whole == 0 || whole + fraction > 15 || (p < end && *p != u',' && *p != u' '))
-        return false;
-    i = p - begin;
-    const double exact = double(digits) / powers[fraction];
-    value = float(negative ? -exact : exact);
-    return true;
-}
+    ListAppender(const ListAppender &) = delete;
+    ListAppender &operator=(const ListAppender &) = delete;
 
-bool shortDecimal(QStringView text, float &value)
-{
-    qsizetype i = 0;
-    return scanDecimal(text, i, value) && i == text.size();
-}
+    // Text that is not the library's (one long piece) can leave far fewer
+    // elements than estimated; the list then keeps no more room than its own
+    // growth would have left.
+    ~ListAppender()
+    {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+        trim(m_list, m_next - m_list.constData());
+#endif
+    }
 
-// "x,y" up to a blank or the end in one pass; false sends the part the
-// general way (more fields, empty fields, exponents ...).
-bool scanPoint(QStringView text, qsizetype &i, QPointF &point)
-{
-    float x = 0;
-    float y = 0;
-    if (!scanDecimal(text, i, x) || i == text.size() || text[i] != u',')
-        return false;
-    ++i;
-    if (!scanDecimal(text, i, y) || (i < text.size() && text[i] != u' '))
-        return false;
-    point = QPointF(x, y);
-    return true;
-}
+    void add(const T &value)
+    {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+        if (m_next == m_end)
+            grow();
+        *m_next++ = value;
+#else
+        m_list.append(value);
+#endif
+    }
+
+private:
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    // Past the estimate the list doubles, as its own append would grow it.
+    void grow()
+    {
+        const qsizetype used = m_next - m_list.constData();
+        m_list.resize(2 * used + 1);
+        useCapacity(used);
+    }
+
+    // Out of line and without the appender, whose pointers can then stay
+    // in registers while the list is filled.
+    Q_NEVER_INLINE static void trim(QList<T> &list, qsizetype size)
+    {
+        list.resize(size);
+        if (2 * list.size() < list.capacity())
+            list.squeeze();
+    }
+
+    // The whole allocation becomes elements, written from index next on.
+    void useCapacity(qsizetype next)
+    {
+        m_list.resize(m_list.capacity());
+        m_next = m_list.data() + next;
+        m_end = m_list.data() + m_list.size();
+    }
+#endif
+
+    QList<T> &m_list;
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    T *m_next = nullptr;
+    T *m_end = nullptr;
+#endif
+};
+
+// The shortest pieces the library writes ("0.00,0.00 " and "0.00,"): lists
+// of its own files are sized once and never grow, other text is at worst
+// sized for a part of its length and grows from there.
+constexpr qsizetype minWrittenPointChars = 10;
+constexpr qsizetype minWrittenFloatChars = 5;
 
 } // namespace
 
@@ -213,12 +276,13 @@ int NumberText::toInt(QStringView text)
 
 float NumberText::toFloat(QStringView text)
 {
-    float value = 0;
-    if (shortDecimal(text, value))
-        return value;
     char buffer[maxPlainFloatChars + 1];
     int length = 0;
     if (plainFloatToChars(text, buffer, length)) {
+        buffer[length] = '\0';
+        float value = 0;
+        if (plainDecimal(buffer, value) == buffer + length)
+            return value;
         double exact = 0;
         std::from_chars(buffer, buffer + length, exact);
         return float(exact);
@@ -280,23 +344,25 @@ float NumberText::unitFraction(float value)
     return value < 1.0f ? value : 1.0f;
 }
 
-// Points and widths are not counted ahead to reserve the list: the count
-// costs more than the list's own growth.
-void NumberText::appendPoints(QList<QPointF> &out, QStringView text)
+void NumberText::appendPoints(QList<QPointF> &out, const QString &text)
 {
-    qsizetype start = 0;
-    for (;;) {
-        qsizetype end = start;
-        QPointF point;
-        if (!scanPoint(text, end, point)) {
-            end = findChar(text, start, u' ');
-            const QStringView part = text.mid(start, end - start);
-            point = QPointF(toFloat(commaField(part, 0)), toFloat(commaField(part, 1)));
+    ListAppender<QPointF> appender(out, text.size() / minWrittenPointChars + 1);
+    const char16_t *const begin = unitsOf(text);
+    const char16_t *const end = begin + text.size();
+    for (const char16_t *p = begin;; ++p) {
+        float x = 0;
+        float y = 0;
+        const char16_t *q = plainDecimal(p, x);
+        if (q && *q == u',' && (q = plainDecimal(q + 1, y)) && (q == end || *q == u' ')) {
+            appender.add(QPointF(x, y));
+        } else {
+            q = begin + findChar(text, p - begin, u' ');
+            const QStringView part(p, q);
+            appender.add(QPointF(toFloat(commaField(part, 0)), toFloat(commaField(part, 1))));
         }
-        out.append(point);
-        if (end == text.size())
+        if (q == end)
             return;
-        start = end + 1;
+        p = q;
     }
 }
 
@@ -306,21 +372,22 @@ void NumberText::appendInts(QList<int> &out, QStringView text)
     forEachPiece(text, u',', [&out](QStringView part) { out.append(toInt(part)); });
 }
 
-void NumberText::appendFloats(QList<float> &out, QStringView text)
+void NumberText::appendFloats(QList<float> &out, const QString &text)
 {
-    qsizetype start = 0;
-    for (;;) {
-        qsizetype end = start;
+    ListAppender<float> appender(out, text.size() / minWrittenFloatChars + 1);
+    const char16_t *const begin = unitsOf(text);
+    const char16_t *const end = begin + text.size();
+    for (const char16_t *p = begin;; ++p) {
         float value = 0;
-        if (scanDecimal(text, end, value) && (end == text.size() || text[end] == u',')) {
-            out.append(value);
-        } else {
-            end = findChar(text, start, u',');
-            out.append(toFloat(text.mid(start, end - start)));
+        const char16_t *q = plainDecimal(p, value);
+        if (!q || (q != end && *q != u',')) {
+            q = begin + findChar(text, p - begin, u',');
+            value = toFloat(QStringView(p, q));
         }
-        if (end == text.size())
+        appender.add(value);
+        if (q == end)
             return;
-        start = end + 1;
+        p = q;
     }
 }
 

@@ -23,11 +23,13 @@ public:
     static void appendInt(QString &out, int value);       // "%d"
 
     // "x,y x,y": split at every blank keeping empty parts; x and y are
-    // comma-separated fields 0 and 1 of each part (missing reads 0).
-    static void appendPoints(QList<QPointF> &out, QStringView text);
+    // comma-separated fields 0 and 1 of each part (missing reads 0). The
+    // point and float readers take a QString: its units end in a '\0', which
+    // stops every scan without checking the length.
+    static void appendPoints(QList<QPointF> &out, const QString &text);
     // Split at every comma keeping empty parts.
     static void appendInts(QList<int> &out, QStringView text);
-    static void appendFloats(QList<float> &out, QStringView text);
+    static void appendFloats(QList<float> &out, const QString &text);
 
     // Towards zero, held to the int range; NaN gives 0. Hosts pass any float
     // as a width, and a plain cast of a value past the range is undefined.

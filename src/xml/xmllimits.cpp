@@ -27,17 +27,15 @@ public:
         const int maxAttributes = XmlLimits::maxAttributes();
         int depth = 0;
         qsizetype i = 0;
+        // The unit after '<' tells the kinds apart; start tags, the most
+        // frequent, are told at once.
         while ((i = find(i, '<')) < m_size) {
-            if (startsWith(i, "<!--")) {
-                i = after(i + 4, "-->");
-            } else if (startsWith(i, "<![CDATA[")) {
-                i = after(i + 9, "]]>");
-            } else if (startsWith(i, "<?")) {
+            const char16_t next = at(i + 1);
+            if (next == u'!') {
+                i = afterExclamation(i);
+            } else if (next == u'?') {
                 i = after(i + 2, "?>");
-            } else if (startsWith(i, "<!")) {
-                m_declared = true;
-                i = afterDeclaration(i + 2);
-            } else if (startsWith(i, "</")) {
+            } else if (next == u'/') {
                 --depth;
                 i = after(i + 2, ">");
             } else {
@@ -67,6 +65,17 @@ private:
                 return false;
         }
         return true;
+    }
+
+    // A comment, CDATA or a document type declaration at i ("<!").
+    qsizetype afterExclamation(qsizetype i)
+    {
+        if (startsWith(i, "<!--"))
+            return after(i + 4, "-->");
+        if (startsWith(i, "<![CDATA["))
+            return after(i + 9, "]]>");
+        m_declared = true;
+        return afterDeclaration(i + 2);
     }
 
     // The first unit c at or after i, or the end.
@@ -105,6 +114,9 @@ private:
     {
         for (; i < m_size; ++i) {
             const char16_t c = char16_t(m_text[i]);
+            // Letters, the bulk of names, pass at one comparison.
+            if (c > u'>')
+                continue;
             if (c == u'"' || c == u'\'')
                 i = find(i + 1, char(c));
             else if (c == u'=')

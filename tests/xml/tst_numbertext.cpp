@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QtTest>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -15,6 +16,12 @@ namespace {
 bool sameFloat(float a, float b)
 {
     return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
+}
+
+bool samePoints(const QList<QPointF> &a, const QList<QPointF> &b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](const QPointF &p, const QPointF &q) { return std::memcmp(&p, &q, sizeof p) == 0; });
 }
 
 // The readings the files were designed around, with Qt's string classes.
@@ -73,6 +80,15 @@ private slots:
                 digits(text += u'.', fractionDigits);
             QCOMPARE(NumberText::toInt(text), text.toInt(nullptr, 10));
             QVERIFY2(sameFloat(NumberText::toFloat(text), text.toFloat()), qPrintable(text));
+            // The same number inside lists: first, middle and last in them.
+            const QString list = text + u',' + text + u' ' + text + u',' + text;
+            QList<QPointF> points;
+            NumberText::appendPoints(points, list);
+            QVERIFY2(samePoints(points, qtPoints(list)), qPrintable(list));
+            QList<float> floats;
+            NumberText::appendFloats(floats, list);
+            QVERIFY2(floats.size() == 3 && sameFloat(floats[0], text.toFloat()) && sameFloat(floats[2], text.toFloat()),
+                     qPrintable(list));
         }
     }
 
@@ -144,7 +160,8 @@ private slots:
     void lists_data()
     {
         addTextRows({"", ",", "1,2,3", "1,2,", ",1", "1,,2", "-5,x,7.5", " 1, 2", "3.00,4.50", "1e2,+3",
-                     "2147483648,1", "nan,inf"});
+                     "2147483648,1", "nan,inf", "1.,-", "2.5 ,1", "123456789012345.6,1"});
+        QTest::newRow("nul inside") << QStringLiteral("0.1") + QChar(0) + QStringLiteral(",2");
     }
     void lists()
     {
@@ -166,7 +183,10 @@ private slots:
     {
         addTextRows({"", "1.50,2.25", "1.00,2.00 3.00,4.00", "1,2  3,4", "1,2 ", "5", "1,2,3", ",7",
                      "a,b c", "-1.25,-0.00 -3,4", "1,2\t3,4", "4195.12414,-13.57 0.1,1024.33",
-                     "1234567890.123456,0.0000000000000001", "1e3,2.5E-1"});
+                     "1234567890.123456,0.0000000000000001", "1e3,2.5E-1", "1.,2 3,-", "-,1 .5,2",
+                     "123456789012345,1 1234567890123456,1", "0.12345678901234,1.234567890123456",
+                     "1,2,", " ", "-0,-0.0"});
+        QTest::newRow("nul inside") << QStringLiteral("1,2") + QChar(0) + QStringLiteral("3,4 5,6");
     }
     void points()
     {
@@ -174,6 +194,7 @@ private slots:
         QList<QPointF> points{QPointF(9, 9)};
         NumberText::appendPoints(points, text);
         QCOMPARE(points, QList<QPointF>{QPointF(9, 9)} + qtPoints(text));
+        QVERIFY(samePoints(points, QList<QPointF>{QPointF(9, 9)} + qtPoints(text)));
     }
 
     void listTexts()
