@@ -22,19 +22,6 @@
 
 namespace {
 
-// A document ends with release(true), which also deletes its working folder.
-struct DocumentReleaser {
-    void operator()(ILXDocument *document) const { document->release(true); }
-};
-using Document = std::unique_ptr<ILXDocument, DocumentReleaser>;
-
-Document newDocument()
-{
-    Document document(get_interface());
-    if (document)
-        document->init(QString(), false);
-    return document;
-}
 
 double elapsedMs(const QElapsedTimer &timer)
 {
@@ -108,6 +95,19 @@ int largestPageId(const QString &folder)
 
 } // namespace
 
+Measurements::Document Measurements::newDocument()
+{
+    Document document(get_interface());
+    if (document)
+        document->init(QString(), false);
+    return document;
+}
+
+void Measurements::DocumentReleaser::operator()(ILXDocument *document) const
+{
+    document->release(true);
+}
+
 Measurements::Measurements(const Options &options)
     : m_options(options)
 {
@@ -151,17 +151,25 @@ bool Measurements::run(QTextStream &out)
 bool Measurements::runOnce(const LessonShape &shape, LessonGenerator &generator, bool baselines,
                            Figures &figures)
 {
+    if (m_keepRuns)
+        m_lessonName = QStringLiteral("lesson-%1").arg(++m_runNumber);
     return buildAndPack(shape, generator, baselines, figures) && openAndRead(shape, baselines, figures);
+}
+
+void Measurements::finish(Document document)
+{
+    if (m_keepRuns)
+        m_kept.push_back(std::move(document));
 }
 
 bool Measurements::buildAndPack(const LessonShape &shape, LessonGenerator &generator, bool baselines,
                                 Figures &figures)
 {
-    const QString folder = m_root + QLatin1String("/lesson");
-    const QString archive = m_root + QLatin1String("/lesson.lzn");
+    const QString folder = m_root + QLatin1Char('/') + m_lessonName;
+    const QString archive = folder + QLatin1String(".lzn");
     BenchSupport::removePath(folder);
     BenchSupport::removePath(archive);
-    const Document document = newDocument();
+    Document document = newDocument();
     if (!document)
         return false;
 
@@ -187,13 +195,14 @@ bool Measurements::buildAndPack(const LessonShape &shape, LessonGenerator &gener
     if (baselines)
         m_archiveBaselines.timePacking(folder, m_root);
     Q_UNUSED(shape);
+    finish(std::move(document));
     return true;
 }
 
 bool Measurements::openAndRead(const LessonShape &shape, bool baselines, Figures &figures)
 {
-    const QString archive = m_root + QLatin1String("/lesson.lzn");
-    const Document document = newDocument();
+    const QString archive = m_root + QLatin1Char('/') + m_lessonName + QLatin1String(".lzn");
+    Document document = newDocument();
     if (!document)
         return false;
     QElapsedTimer timer;
@@ -234,6 +243,7 @@ bool Measurements::openAndRead(const LessonShape &shape, bool baselines, Figures
         return false;
     if (baselines)
         figures.plainSave = plainSave(folder, files);
+    finish(std::move(document));
     return true;
 }
 
@@ -281,7 +291,7 @@ bool Measurements::saveEdited(ILXDocument *document, Figures &figures)
 // runs before it.
 bool Measurements::measureMemory(Memory &memory)
 {
-    const QString archive = m_root + QLatin1String("/lesson.lzn");
+    const QString archive = m_root + QLatin1Char('/') + m_lessonName + QLatin1String(".lzn");
     const auto child = [&](const QString &mode, bool &reset) -> qint64 {
         QProcess process;
         process.start(QCoreApplication::applicationFilePath(),
@@ -344,6 +354,14 @@ bool Measurements::runGrowth(QTextStream &out)
                      QStringLiteral("total")});
     QList<QList<double>> perPage;
     QList<QList<Figures>> allResults;
+    // Nothing is deleted until the table is done. Deleting a run's thousands
+    // of files right before the next run's timed build and unpack made those
+    // slower on a disk, and the more so the larger the lesson: ext4 without a
+    // journal will not reuse an inode freed in the last 30 seconds, and every
+    // new file's inode search steps over each such inode (the kernel's
+    // recently_deleted in the profile). That was the previous run's cleanup,
+    // not the lesson's cost per page.
+    m_keepRuns = true;
     for (int pages : std::as_const(m_options.growthPages)) {
         const LessonShape shape = LessonShape::light(pages, m_options.shape.seed);
         LessonGenerator generator(shape);
@@ -384,6 +402,8 @@ bool Measurements::runGrowth(QTextStream &out)
     table.print(out);
     out << '\n';
     printBreakdown(out, m_options.growthPages, allResults);
+    m_kept.clear();
+    m_keepRuns = false;
     return true;
 }
 

@@ -9,6 +9,9 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+#include <vector>
+
 class ILXDocument;
 class QTextStream;
 
@@ -63,6 +66,12 @@ private:
         bool reset = false;
     };
 
+    // A document ends with release(true), which also deletes its working folder.
+    struct DocumentReleaser {
+        void operator()(ILXDocument *document) const;
+    };
+    using Document = std::unique_ptr<ILXDocument, DocumentReleaser>;
+
     bool runOnce(const LessonShape &shape, LessonGenerator &generator, bool baselines, Figures &figures);
     bool buildAndPack(const LessonShape &shape, LessonGenerator &generator, bool baselines, Figures &figures);
     bool openAndRead(const LessonShape &shape, bool baselines, Figures &figures);
@@ -76,8 +85,17 @@ private:
     static double plainParse(const QString &folder, const QStringList &files);
     double plainSave(const QString &folder, const QStringList &files) const;
 
+    static Document newDocument();
+    void finish(Document document);
+
     Options m_options;
     QString m_root;
+    // Growth runs keep their folders and documents until the table is done
+    // (see runGrowth); each then has its own names.
+    bool m_keepRuns = false;
+    int m_runNumber = 0;
+    QString m_lessonName = QStringLiteral("lesson");
+    std::vector<Document> m_kept;
     ArchiveBaselines m_archiveBaselines;
 };
 
