@@ -17,6 +17,7 @@ namespace {
 const size_t CopyBufferSize = size_t(1) << 20;
 const int ArchiveBlockSize = 1 << 20;
 const size_t HeapAnchorSize = size_t(64) << 10;
+const off_t WritebackStep = off_t(2) << 20;
 
 QByteArray suffixOf(const QByteArray &name)
 {
@@ -51,6 +52,7 @@ bool ZipWriter::open(int fd)
     if (!m_archive)
         return fail(QStringLiteral("out of memory"));
     archive *const a = m_archive.get();
+    m_fd = fd;
     if (archive_write_set_format_zip(a) != ARCHIVE_OK
         || archive_write_set_options(a, "zip:hdrcharset=UTF-8") != ARCHIVE_OK
         // Page files are long runs of number text: zlib's default level 6
@@ -60,9 +62,33 @@ bool ZipWriter::open(int fd)
         || archive_write_set_bytes_per_block(a, ArchiveBlockSize) != ARCHIVE_OK
         // A ZIP ends with its directory; padding after it would be junk to readers.
         || archive_write_set_bytes_in_last_block(a, 1) != ARCHIVE_OK
-        || archive_write_open_fd(a, fd) != ARCHIVE_OK)
+        || archive_write_open2(a, this, nullptr, &ZipWriter::writeOut, nullptr, nullptr) != ARCHIVE_OK)
         return failArchive(QStringLiteral("cannot start the archive"));
     return true;
+}
+
+// The archive is synced before it replaces the old one. Handing what is
+// written to the disk as packing goes on leaves that sync only the tail to
+// wait for, instead of the whole archive after the last entry: on a slow
+// stick, seconds of a large lesson's save.
+la_ssize_t ZipWriter::writeOut(archive *a, void *self, const void *buffer, size_t length)
+{
+    ZipWriter *const writer = static_cast<ZipWriter *>(self);
+    ssize_t written;
+    do
+        written = ::write(writer->m_fd, buffer, length);
+    while (written < 0 && errno == EINTR);
+    if (written <= 0) {
+        archive_set_error(a, written < 0 ? errno : EIO, "Write error");
+        return -1;
+    }
+    writer->m_written += written;
+    if (writer->m_written - writer->m_writebackFrom >= WritebackStep) {
+        ::sync_file_range(writer->m_fd, writer->m_writebackFrom, writer->m_written - writer->m_writebackFrom,
+                          SYNC_FILE_RANGE_WRITE);
+        writer->m_writebackFrom = writer->m_written;
+    }
+    return written;
 }
 
 bool ZipWriter::addTree(int rootFd, const SkipTest &skip)

@@ -38,8 +38,12 @@ private:
     bool copyData(int fd, const QByteArray &path, off_t size);
     bool fail(const QString &what);
     bool failArchive(const QString &what);
+    static la_ssize_t writeOut(archive *a, void *self, const void *buffer, size_t length);
 
     ArchiveWriter m_archive;
+    int m_fd = -1;
+    off_t m_written = 0;
+    off_t m_writebackFrom = 0;
     const qint64 m_storeFrom;
     std::vector<char> m_buffer;
     std::unique_ptr<char[]> m_heapAnchor;
